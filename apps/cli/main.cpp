@@ -1,0 +1,47 @@
+// tarnwick: the Tarnwick Toolbar's command line.
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include "Cli.h"
+#include "support/Version.h"
+
+namespace {
+
+constexpr const char* kHelp =
+    "usage: tarnwick COMMAND [ARGS]\n"
+    "\n"
+    "commands:\n"
+    "  options                     print the loaded options, one 'Name = value' per line\n"
+    "  options set NAME VALUE      store a setting as text\n"
+    "  options delete NAME         remove a setting (exit status 1 when it was not set)\n"
+    "\n"
+    "  --help                      this text\n"
+    "  --version                   the program's name and version\n"
+    "\n"
+    "environment:\n"
+    "  TARNWICK_PROGRAM_DIR        program folder (components, data files)\n"
+    "  TARNWICK_SERVER             toolbar server base address\n"
+    "  TARNWICK_SITE               web site base address\n"
+    "  XDG_CONFIG_HOME             settings: $XDG_CONFIG_HOME/tarnwick/settings.reg\n"
+    "  XDG_STATE_HOME              log: $XDG_STATE_HOME/Tarnwick/Toolbar/blocked.log\n"
+    "  TARNWICK_LOCAL_MACHINE_SETTINGS  machine-wide settings file\n";
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  using namespace tarnwick::cli;
+  const std::vector<std::string> args(argv + 1, argv + argc);
+  if (args.empty() || args[0] == "--help" || args[0] == "-h" || args[0] == "help") {
+    std::cout << kHelp;
+    return args.empty() ? kExitError : kExitOk;
+  }
+  if (args[0] == "--version") {
+    std::cout << tarnwick::AgentString() << '\n';
+    return kExitOk;
+  }
+  const std::vector<std::string> rest(args.begin() + 1, args.end());
+  if (args[0] == "options") return RunOptions(rest);
+  std::cerr << "tarnwick: unknown command '" << args[0] << "' (see tarnwick --help)\n";
+  return kExitError;
+}

@@ -1,0 +1,14 @@
+# One set of compiler flags for every target of the project.
+add_library(tarnwick_flags INTERFACE)
+target_compile_options(tarnwick_flags INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion)
+if(TARNWICK_WERROR)
+  target_compile_options(tarnwick_flags INTERFACE -Werror)
+endif()
+if(TARNWICK_SANITIZE)
+  target_compile_options(tarnwick_flags INTERFACE -fsanitize=address,undefined -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  target_link_options(tarnwick_flags INTERFACE -fsanitize=address,undefined)
+endif()
+if(WIN32)
+  # Static runtime: the binaries import only system DLLs.
+  target_link_options(tarnwick_flags INTERFACE -static -static-libgcc -static-libstdc++)
+endif()

@@ -1,0 +1,31 @@
+#!/usr/bin/env bash
+# Installs every Debian package the build, the tests and the benchmarks need.
+# Safe to run again: packages already present are left alone and the package
+# lists are refreshed at most once per run.
+set -euo pipefail
+
+packages=(
+  # native build and tests
+  build-essential cmake ninja-build pkg-config git
+  libgtest-dev libgmock-dev googletest libbenchmark-dev
+  clang-format clang-tidy
+  # libraries behind the components and the reference server
+  libpcre2-dev libcurl4-openssl-dev libsqlite3-dev libpugixml-dev
+  libmicrohttpd-dev libgeoip-dev geoip-database
+  # Windows leg: cross compiler and Wine
+  g++-mingw-w64-x86-64-posix mingw-w64-x86-64-dev wine wine64 dpkg-dev
+  # benchmarks
+  wrk nginx-light python3
+)
+
+missing=()
+for p in "${packages[@]}"; do
+  dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed' || missing+=("$p")
+done
+
+if ((${#missing[@]})); then
+  sudo_cmd=()
+  [ "$(id -u)" -eq 0 ] || sudo_cmd=(sudo)
+  "${sudo_cmd[@]}" apt-get update -qq
+  DEBIAN_FRONTEND=noninteractive "${sudo_cmd[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}"
+fi

@@ -1,0 +1,23 @@
+// Where the toolbar server and the maker's web site are. Each has one
+// compiled-in default (the reference server on loopback, the embedded
+// default), overridden by TARNWICK_SERVER / TARNWICK_SITE and, above those,
+// by a command's --server flag.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace tarnwick {
+
+inline constexpr std::string_view kDefaultServer = "http://127.0.0.1:8750";
+inline constexpr std::string_view kDefaultSite = "http://127.0.0.1:8750";
+
+struct Endpoints {
+  std::string server;  // base address of the toolbar server, no trailing slash
+  std::string site;    // base address of the web site, no trailing slash
+};
+
+// Defaults, then the environment, then `serverFlag` when it is not empty.
+Endpoints ResolveEndpoints(std::string_view serverFlag = {});
+
+}  // namespace tarnwick

@@ -1,0 +1,68 @@
+#include "support/Files.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+#include <system_error>
+
+namespace tarnwick {
+namespace {
+
+std::string Describe(int error) { return std::generic_category().message(error); }
+
+template <class Container>
+bool ReadWhole(Log& log, const std::filesystem::path& path, const char* routine, Container& content) {
+  if (!FileExists(path)) return false;
+  errno = 0;
+  std::ifstream in(path, std::ios::binary);
+  if (in) {
+    content.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+    if (!in.bad()) return true;
+  }
+  log.DebugLog(std::string("(") + routine + ") Error reading " + path.string() + ": " +
+               Describe(errno != 0 ? errno : EIO));
+  content.clear();
+  return false;
+}
+
+}  // namespace
+
+bool FileExists(const std::filesystem::path& path) {
+  std::error_code error;
+  return std::filesystem::is_regular_file(path, error);
+}
+
+std::string ReadFile(Log& log, const std::filesystem::path& path) {
+  std::string text;
+  ReadWhole(log, path, "ReadFile", text);
+  return text;
+}
+
+std::vector<std::uint8_t> ReadBinaryFile(Log& log, const std::filesystem::path& path) {
+  std::vector<std::uint8_t> bytes;
+  ReadWhole(log, path, "ReadBinaryFile", bytes);
+  return bytes;
+}
+
+bool WriteFile(Log& log, const std::filesystem::path& path, std::string_view text) {
+  log.DebugLog("(WriteFile) Writing " + path.string());
+  if (FileExists(path)) {
+    std::error_code error;
+    if (!std::filesystem::remove(path, error)) {
+      log.DebugLog("(WriteFile) Error deleting " + path.string() + ": " + error.message());
+      return false;
+    }
+  }
+  errno = 0;
+  std::ofstream out(path, std::ios::binary | std::ios::trunc);
+  if (out) out.write(text.data(), static_cast<std::streamsize>(text.size()));
+  if (out) out.close();
+  if (!out) {
+    log.DebugLog("(WriteFile) Error writing " + path.string() + ": " + Describe(errno != 0 ? errno : EIO));
+    return false;
+  }
+  return true;
+}
+
+}  // namespace tarnwick
