@@ -20,7 +20,8 @@ std::vector<std::string> KnownNames() {
 }
 
 const std::string* FindKnown(const std::vector<std::string>& names, const std::string& name) {
-  const auto it = std::find_if(names.begin(), names.end(), [&](const std::string& known) { return EqualsIgnoreCase(known, name); });
+  const auto it =
+      std::find_if(names.begin(), names.end(), [&](const std::string& known) { return EqualsIgnoreCase(known, name); });
   return it == names.end() ? nullptr : &*it;
 }
 

@@ -18,7 +18,8 @@ std::string FromEnvironment(const char* name, std::string_view fallback) {
 }  // namespace
 
 Endpoints ResolveEndpoints(std::string_view serverFlag) {
-  Endpoints endpoints{FromEnvironment("TARNWICK_SERVER", kDefaultServer), FromEnvironment("TARNWICK_SITE", kDefaultSite)};
+  Endpoints endpoints{FromEnvironment("TARNWICK_SERVER", kDefaultServer),
+                      FromEnvironment("TARNWICK_SITE", kDefaultSite)};
   if (!serverFlag.empty()) endpoints.server = WithoutTrailingSlash(std::string(serverFlag));
   return endpoints;
 }

@@ -184,7 +184,8 @@ long RegFileKey::SetValue(std::string_view name, std::uint32_t type, std::string
 
 long RegFileKey::DeleteValue(std::string_view name) {
   if (!writable_) return kErrorAccessDenied;
-  return store_.Modify(root_, [&](RegFile& file) { return file.DeleteValue(path_, name) ? kErrorSuccess : kErrorFileNotFound; });
+  return store_.Modify(
+      root_, [&](RegFile& file) { return file.DeleteValue(path_, name) ? kErrorSuccess : kErrorFileNotFound; });
 }
 
 long RegFileKey::ValueNames(std::vector<std::string>& names) {

@@ -44,8 +44,7 @@ DateParts SplitDate(double date) {
 std::string FormatDateTime(double date) {
   const DateParts p = SplitDate(std::floor(date * kSecondsPerDay) / kSecondsPerDay);
   char text[32];
-  std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d", p.year, p.month, p.day, p.hour, p.minute,
-                p.second);
+  std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d", p.year, p.month, p.day, p.hour, p.minute, p.second);
   return text;
 }
 

@@ -3,7 +3,6 @@
 #include <cerrno>
 #include <cstring>
 #include <fstream>
-#include <iterator>
 #include <system_error>
 
 namespace tarnwick {
@@ -13,12 +12,19 @@ std::string Describe(int error) { return std::generic_category().message(error);
 
 template <class Container>
 bool ReadWhole(Log& log, const std::filesystem::path& path, const char* routine, Container& content) {
+  content.clear();
   if (!FileExists(path)) return false;
   errno = 0;
-  std::ifstream in(path, std::ios::binary);
-  if (in) {
-    content.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+  try {
+    std::ifstream in(path, std::ios::binary);
+    char chunk[65536];
+    while (in) {
+      in.read(chunk, sizeof chunk);
+      content.insert(content.end(), chunk, chunk + in.gcount());
+    }
     if (!in.bad()) return true;
+  } catch (const std::exception&) {
+    // Reported below with the error the system gave.
   }
   log.DebugLog(std::string("(") + routine + ") Error reading " + path.string() + ": " +
                Describe(errno != 0 ? errno : EIO));

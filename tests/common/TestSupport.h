@@ -1,0 +1,90 @@
+// Test doubles and fixtures shared by every test: a temporary folder, a clock
+// set by hand, folders inside the temporary folder, a user interface that
+// answers from a script, and a whole process-wide object over all of them
+// with the platform's real settings store.
+#pragma once
+
+#include <deque>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "band/ToolbarProcess.h"
+#include "support/Clock.h"
+#include "support/Paths.h"
+#include "ui/Ui.h"
+
+namespace tarnwick::testing {
+
+// A fresh folder, removed with everything in it at the end of the test.
+class TempDir {
+ public:
+  TempDir();
+  ~TempDir();
+  TempDir(const TempDir&) = delete;
+  TempDir& operator=(const TempDir&) = delete;
+  const std::filesystem::path& path() const { return path_; }
+  std::filesystem::path operator/(const std::string& name) const { return path_ / name; }
+
+ private:
+  std::filesystem::path path_;
+};
+
+class FakeClock final : public Clock {
+ public:
+  double Now() override { return now; }
+  double now = 46000.5;  // 2025-12-09 12:00:00
+};
+
+class TestPaths final : public Paths {
+ public:
+  explicit TestPaths(const std::filesystem::path& root) : program(root / "program"), localAppData(root / "local") {
+    std::filesystem::create_directories(program);
+  }
+  std::filesystem::path ProgramFolder() override { return program; }
+  std::filesystem::path LocalAppDataFolder() override { return localAppData; }
+  std::filesystem::path program;
+  std::filesystem::path localAppData;
+};
+
+struct ShownMessage {
+  std::string text;
+  std::string title;
+  int style;
+};
+
+// Answers message boxes from `answers` in order (vbOK once they run out) and
+// records what was shown.
+class ScriptedUi final : public Ui {
+ public:
+  int MessageBox(std::string_view text, std::string_view title, int style) override {
+    shown.push_back({std::string(text), std::string(title), style});
+    if (answers.empty()) return vbOK;
+    const int answer = answers.front();
+    answers.pop_front();
+    return answer;
+  }
+  int ScreenWidthPixels() override { return screenWidth; }
+
+  std::deque<int> answers;
+  std::vector<ShownMessage> shown;
+  int screenWidth = 1280;
+};
+
+// The platform's real settings store, emptied of the toolbar's keys: a
+// registry-format file in `folder` on POSIX, the registry on Windows.
+std::unique_ptr<SettingsStore> MakeCleanTestStore(const std::filesystem::path& folder, Log& log);
+
+// A process-wide object in a temporary folder.
+struct TestProcess {
+  TestProcess();
+  TempDir dir;
+  FakeClock clock;
+  TestPaths paths{dir.path()};
+  ScriptedUi ui;
+  ToolbarProcess process{paths, clock, ui, [this](Log& log) { return MakeCleanTestStore(dir.path(), log); },
+                         Endpoints{"http://127.0.0.1:9", "http://127.0.0.1:9"}};
+};
+
+}  // namespace tarnwick::testing

@@ -1,0 +1,119 @@
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <fstream>
+#include <iterator>
+
+#include "common/TestSupport.h"
+#include "settings/mdlRegistry.h"
+#include "settings/store_regfile.h"
+
+namespace tarnwick {
+namespace {
+
+using mdlRegistry::kSettingsKey;
+
+std::string Slurp(const std::filesystem::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+struct RegFileStoreTest : ::testing::Test {
+  testing::TempDir dir;
+  testing::TestPaths paths{dir.path()};
+  testing::FakeClock clock;
+  bool debug = true;
+  Log log{paths, clock, debug};
+  std::filesystem::path userFile = dir / "config" / "tarnwick" / "settings.reg";
+  std::filesystem::path machineFile = dir / "etc" / "local-machine.reg";
+  std::unique_ptr<SettingsStore> store = MakeRegFileStore(userFile, machineFile, log);
+};
+
+TEST_F(RegFileStoreTest, AMissingFileIsAnEmptyRegistryAndTheFirstWriteCreatesIt) {
+  EXPECT_EQ(mdlRegistry::GetSetting(*store, kSettingsKey, "Debug", 7), SettingValue(7));
+  EXPECT_FALSE(std::filesystem::exists(userFile));
+  mdlRegistry::SaveSetting(*store, kSettingsKey, "Debug", 1, kRegSz);
+  EXPECT_EQ(Slurp(userFile),
+            "REGEDIT4\n\n[HKEY_CURRENT_USER\\Software\\Tarnwick\\Toolbar\\Settings]\n\"Debug\"=\"1\"\n");
+}
+
+TEST_F(RegFileStoreTest, ACorruptFileKeepsItsGoodValuesAndReportsEachBadLineOnce) {
+  std::filesystem::create_directories(userFile.parent_path());
+  std::ofstream(userFile, std::ios::binary)
+      << "REGEDIT4\n\n[HKEY_CURRENT_USER\\Software\\Tarnwick\\Toolbar\\Settings]\n"
+         "\"BarHeight\"=\"44\"\n"
+         "\"Broken\"=\"bad \\z escape\"\n"
+         "not a value line\n";
+  EXPECT_EQ(mdlRegistry::GetSetting(*store, kSettingsKey, "BarHeight", 0), SettingValue(std::string("44")));
+  mdlRegistry::SaveSetting(*store, kSettingsKey, "ServerTimeout", std::string("9"), kRegSz);
+  EXPECT_EQ(mdlRegistry::GetSetting(*store, kSettingsKey, "ServerTimeout", 0), SettingValue(std::string("9")));
+
+  const std::string file = Slurp(userFile);
+  EXPECT_NE(file.find("\"Broken\"=\"bad \\z escape\""), std::string::npos);
+  EXPECT_NE(file.find("not a value line"), std::string::npos);
+  const std::string logText = Slurp(log.LogFilePath());
+  const std::string report = "(SettingsStore) Kept unreadable line of " + userFile.string() + ": not a value line";
+  ASSERT_NE(logText.find(report), std::string::npos) << logText;
+  EXPECT_EQ(logText.find(report), logText.rfind(report));
+}
+
+TEST_F(RegFileStoreTest, LocalMachineKeysCannotBeWrittenWithoutTheSystemFolder) {
+  std::unique_ptr<RegistryKey> key;
+  EXPECT_EQ(store->CreateKey(Root::LocalMachine, "Software\\AboutURLs", key), kErrorAccessDenied);
+  EXPECT_EQ(store->OpenKey(Root::LocalMachine, "Software", Access::Write, key), kErrorAccessDenied);
+  EXPECT_EQ(store->OpenKey(Root::LocalMachine, "Software", Access::Read, key), kErrorFileNotFound);
+
+  std::filesystem::create_directories(machineFile.parent_path());
+  ASSERT_EQ(store->CreateKey(Root::LocalMachine, "Software\\AboutURLs", key), kErrorSuccess);
+  EXPECT_EQ(key->SetValue("PhishingSite", kRegSz, "res://x"), kErrorSuccess);
+  EXPECT_NE(Slurp(machineFile).find("[HKEY_LOCAL_MACHINE\\Software\\AboutURLs]"), std::string::npos);
+  EXPECT_FALSE(std::filesystem::exists(userFile));
+}
+
+TEST_F(RegFileStoreTest, AKeyOpenedForReadingCannotWrite) {
+  mdlRegistry::SaveSetting(*store, kSettingsKey, "Debug", 1, kRegSz);
+  std::unique_ptr<RegistryKey> key;
+  ASSERT_EQ(store->OpenKey(Root::CurrentUser, kSettingsKey, Access::Read, key), kErrorSuccess);
+  EXPECT_EQ(key->SetValue("Debug", kRegSz, "0"), kErrorAccessDenied);
+  EXPECT_EQ(key->DeleteValue("Debug"), kErrorAccessDenied);
+  std::vector<std::string> names;
+  EXPECT_EQ(key->ValueNames(names), kErrorSuccess);
+  EXPECT_EQ(names, std::vector<std::string>{"Debug"});
+}
+
+TEST_F(RegFileStoreTest, TwoProcessesWritingAtOnceLoseNothing) {
+  constexpr int kWrites = 1000;
+  std::vector<pid_t> children;
+  for (const char* prefix : {"A", "B"}) {
+    const pid_t pid = fork();
+    ASSERT_GE(pid, 0);
+    if (pid == 0) {
+      bool quiet = false;
+      Log childLog{paths, clock, quiet};
+      auto own = MakeRegFileStore(userFile, machineFile, childLog);
+      for (int i = 0; i < kWrites; ++i) {
+        mdlRegistry::SaveSetting(*own, kSettingsKey, prefix + std::to_string(i), i, kRegSz);
+      }
+      _exit(0);
+    }
+    children.push_back(pid);
+  }
+  for (pid_t pid : children) {
+    int status = 0;
+    waitpid(pid, &status, 0);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+  }
+  std::unique_ptr<RegistryKey> key;
+  ASSERT_EQ(store->OpenKey(Root::CurrentUser, kSettingsKey, Access::Read, key), kErrorSuccess);
+  std::vector<std::string> names;
+  key->ValueNames(names);
+  EXPECT_EQ(names.size(), 2u * kWrites);
+  for (int i = 0; i < kWrites; i += 97) {
+    EXPECT_EQ(mdlRegistry::GetSetting(*store, kSettingsKey, "B" + std::to_string(i), -1),
+              SettingValue(std::to_string(i)));
+  }
+}
+
+}  // namespace
+}  // namespace tarnwick
