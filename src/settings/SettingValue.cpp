@@ -68,6 +68,13 @@ std::int32_t ToLong(const SettingValue& value) {
   return static_cast<std::int32_t>(rounded);
 }
 
+double ToDouble(const SettingValue& value) {
+  if (const auto* number = std::get_if<std::int32_t>(&value)) return *number;
+  const auto parsed = NumberOfText(std::get<std::string>(value));
+  if (!parsed) throw ConversionError(kErrTypeMismatch, "Type mismatch");
+  return *parsed;
+}
+
 bool ToBoolean(const SettingValue& value) {
   if (const auto* number = std::get_if<std::int32_t>(&value)) return *number != 0;
   const std::string_view text = Trim(std::get<std::string>(value));

@@ -53,19 +53,23 @@ std::vector<std::uint8_t> ReadBinaryFile(Log& log, const std::filesystem::path& 
 
 bool WriteFile(Log& log, const std::filesystem::path& path, std::string_view text) {
   log.DebugLog("(WriteFile) Writing " + path.string());
-  if (FileExists(path)) {
-    std::error_code error;
-    if (!std::filesystem::remove(path, error)) {
-      log.DebugLog("(WriteFile) Error deleting " + path.string() + ": " + error.message());
-      return false;
-    }
-  }
+  // The new content is complete on disk before it replaces the old file, so a
+  // failure at any moment leaves one of the two whole.
+  const std::filesystem::path partial = path.string() + kPartialSuffix;
   errno = 0;
-  std::ofstream out(path, std::ios::binary | std::ios::trunc);
+  std::ofstream out(partial, std::ios::binary | std::ios::trunc);
   if (out) out.write(text.data(), static_cast<std::streamsize>(text.size()));
   if (out) out.close();
+  std::error_code error;
   if (!out) {
     log.DebugLog("(WriteFile) Error writing " + path.string() + ": " + Describe(errno != 0 ? errno : EIO));
+    std::filesystem::remove(partial, error);
+    return false;
+  }
+  std::filesystem::rename(partial, path, error);
+  if (error) {
+    log.DebugLog("(WriteFile) Error deleting " + path.string() + ": " + error.message());
+    std::filesystem::remove(partial, error);
     return false;
   }
   return true;

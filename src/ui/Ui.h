@@ -26,6 +26,9 @@ class Ui {
   virtual int MessageBox(std::string_view text, std::string_view title, int style) = 0;
   // Width of the screen in pixels.
   virtual int ScreenWidthPixels() = 0;
+  // Lets the host's pending events run (painting, input, a dialog's Cancel)
+  // while the program waits on the user-interface thread.
+  virtual void DoEvents() {}
 };
 
 }  // namespace tarnwick

@@ -6,6 +6,7 @@
 
 #include <deque>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -13,6 +14,7 @@
 #include "band/ToolbarProcess.h"
 #include "support/Clock.h"
 #include "support/Paths.h"
+#include "ui/DownloadDialog.h"
 #include "ui/Ui.h"
 
 namespace tarnwick::testing {
@@ -66,7 +68,13 @@ class ScriptedUi final : public Ui {
     return answer;
   }
   int ScreenWidthPixels() override { return screenWidth; }
+  void DoEvents() override {
+    ++events;
+    if (onDoEvents) onDoEvents();
+  }
 
+  std::function<void()> onDoEvents;
+  int events = 0;
   std::deque<int> answers;
   std::vector<ShownMessage> shown;
   int screenWidth = 1280;
@@ -75,6 +83,33 @@ class ScriptedUi final : public Ui {
 // The platform's real settings store, emptied of the toolbar's keys: a
 // registry-format file in `folder` on POSIX, the registry on Windows.
 std::unique_ptr<SettingsStore> MakeCleanTestStore(const std::filesystem::path& folder, Log& log);
+
+// The download dialog as a person would see it: what it showed, whether it
+// is up, which frames it drew.
+class ScriptedDialog final : public DownloadDialog {
+ public:
+  void Show(std::string_view message) override {
+    messages.emplace_back(message);
+    visible = true;
+  }
+  void Hide() override { visible = false; }
+  bool Visible() const override { return visible; }
+  void DrawFrame(int frame) override { frames.push_back(frame); }
+
+  std::vector<std::string> messages;
+  std::vector<int> frames;
+  bool visible = false;
+};
+
+// The system clock, moved on by hand where a test needs time to pass.
+class SteppingClock final : public Clock {
+ public:
+  double Now() override { return system_->Now() + offsetSeconds / 86400.0; }
+  double offsetSeconds = 0;
+
+ private:
+  std::unique_ptr<Clock> system_ = MakeSystemClock();
+};
 
 // A process-wide object in a temporary folder.
 struct TestProcess {

@@ -54,12 +54,26 @@ TEST_F(FilesTest, WriteBelowAFileFailsWithItsErrorLine) {
   EXPECT_NE(LogText().find("(WriteFile) Error writing " + path.string() + ": "), std::string::npos);
 }
 
-#ifndef _WIN32
-// Files the kernel owns: they exist, yet even root can neither delete nor read them.
-TEST_F(FilesTest, UndeletableAndUnreadableFilesReportTheirErrors) {
-  EXPECT_FALSE(WriteFile(log, "/proc/self/status", "x"));
-  EXPECT_NE(LogText().find("(WriteFile) Error deleting /proc/self/status: "), std::string::npos);
+TEST_F(FilesTest, AFailedReplacementKeepsTheOldFileWhole) {
+  const auto path = dir / "xss.dat";
+  ASSERT_TRUE(WriteFile(log, path, "old content"));
+  // The new content cannot be written: its partial file's name is taken.
+  std::filesystem::create_directory(path.string() + kPartialSuffix);
+  EXPECT_FALSE(WriteFile(log, path, "new"));
+  EXPECT_EQ(ReadFile(log, path), "old content");
+  EXPECT_NE(LogText().find("(WriteFile) Error writing " + path.string() + ": "), std::string::npos);
+  std::filesystem::remove(path.string() + kPartialSuffix);
 
+  // The old file cannot be replaced: a folder stands in its place.
+  std::filesystem::create_directories(dir / "taken" / "inside");
+  EXPECT_FALSE(WriteFile(log, dir / "taken", "new"));
+  EXPECT_NE(LogText().find("(WriteFile) Error deleting " + (dir / "taken").string() + ": "), std::string::npos);
+  EXPECT_FALSE(std::filesystem::exists((dir / "taken").string() + kPartialSuffix));
+}
+
+#ifndef _WIN32
+// A file the kernel owns: it exists, yet even root cannot read it.
+TEST_F(FilesTest, AnUnreadableFileReportsItsError) {
   EXPECT_EQ(ReadFile(log, "/proc/self/mem"), "");
   EXPECT_TRUE(ReadBinaryFile(log, "/proc/self/mem").empty());
   EXPECT_NE(LogText().find("(ReadFile) Error reading /proc/self/mem: "), std::string::npos);

@@ -1,0 +1,246 @@
+#include "net/mdlUpdate.h"
+
+#include <cmath>
+#include <system_error>
+
+#include "ProductInfo.h"
+#include "settings/mdlRegistry.h"
+#include "support/CMD5.h"
+#include "support/DateTime.h"
+#include "support/Files.h"
+#include "support/RoutineError.h"
+#include "support/Text.h"
+#include "support/Version.h"
+
+namespace tarnwick {
+namespace {
+
+using mdlRegistry::kSettingsKey;
+
+constexpr std::string_view kEpochLastModified = "Thu, 1 Jan 1970 00:00:00 GMT";
+constexpr std::string_view kMenuLastModifiedKey = "Software\\Tarnwick\\Toolbar\\Settings\\Menus";
+
+double NowSeconds(Clock& clock) { return std::nearbyint(clock.Now() * kSecondsPerDay); }
+
+std::string Number(double value) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%.0f", value);
+  return text;
+}
+
+// The first label of the server's host: "http://toolbar.example.com" -> "toolbar".
+std::string ServerLabel(std::string_view server) {
+  const auto start = server.find("://");
+  if (start == std::string_view::npos) return {};
+  const std::string_view host = server.substr(start + 3);
+  return std::string(host.substr(0, host.find('.')));
+}
+
+std::vector<std::string> SplitCrLf(std::string_view text) {
+  std::vector<std::string> parts;
+  std::size_t start = 0;
+  for (;;) {
+    const auto end = text.find("\r\n", start);
+    parts.emplace_back(text.substr(start, end == std::string_view::npos ? end : end - start));
+    if (end == std::string_view::npos) return parts;
+    start = end + 2;
+  }
+}
+
+}  // namespace
+
+const std::vector<std::string_view>& HashListFiles() {
+  static const std::vector<std::string_view> files = {"localblock.dat", "tarnwick.xml",    "menu.xml",     "logo.bmp",
+                                                      "xss.dat",        "tarnwickrex.dll", "pagefetch.dll"};
+  return files;
+}
+
+const std::vector<RefreshEntry>& StartupRefreshTable() {
+  static const std::vector<RefreshEntry> table = {
+      {"localblock.dat", "localblock.dat", "LastCheckedLBF", 0, false, false, {}, false},
+      {"xss.dat", "xss.dat", "LastCheckedXSS", 0, false, false, {}, false},
+      {"pagefetch.dll", "pagefetch.new", "LastCheckedPageFetch", 0, false, false, {}, true},
+      {"tarnwickrex.dll", "tarnwickrex.dll", "LastCheckedTarnwickRex", 0, false, true, {}, true},
+  };
+  return table;
+}
+
+const std::vector<RefreshEntry>& MenuRefreshTable() {
+  static const std::vector<RefreshEntry> table = {
+      {"tarnwick.xml", "tarnwick.xml", "LastCheckedTarnwickMenu", 0, false, false, kMenuLastModifiedKey, false},
+      {"menu.xml", "menu.xml", "LastCheckedMenu", 0, false, false, kMenuLastModifiedKey, false},
+      {"logo.bmp", "logo.bmp", "LastCheckedLogo", 0, false, false, kMenuLastModifiedKey, false},
+  };
+  return table;
+}
+
+void SwapPageFetch(NetPorts& ports) {
+  const auto folder = ports.paths.ProgramFolder();
+  try {
+    if (!FileExists(folder / "pagefetch.new")) return;
+    std::error_code error;
+    if (FileExists(folder / "pagefetch.old")) {
+      std::filesystem::permissions(folder / "pagefetch.old", std::filesystem::perms::owner_write,
+                                   std::filesystem::perm_options::add, error);
+      std::filesystem::remove(folder / "pagefetch.old");
+      ports.log.DebugLog("Deleted pagefetch.old");
+    }
+    std::filesystem::rename(folder / "pagefetch.dll", folder / "pagefetch.old");
+    ports.log.DebugLog("Renamed pagefetch.dll to pagefetch.old");
+    std::filesystem::rename(folder / "pagefetch.new", folder / "pagefetch.dll");
+    ports.log.DebugLog("Renamed pagefetch.new to pagefetch.dll");
+  } catch (const std::filesystem::filesystem_error& error) {
+    ports.log.DebugLog("Unrecoverable error occurred while creating pagefetch object: " + error.code().message() +
+                       " (" + std::to_string(error.code().value()) + ")");
+  }
+}
+
+mdlUpdate::mdlUpdate(NetPorts ports, frmHTTP& http, Shell& shell) : ports_(ports), http_(http), shell_(shell) {}
+
+double mdlUpdate::SecondsSinceLastChecked(std::string_view Name) {
+  double stored = 0;
+  try {
+    // Seconds since 1899 outgrow 32 bits: the stamp is read as a double.
+    stored = ToDouble(mdlRegistry::GetSetting(ports_.settings, kSettingsKey, Name, 0));
+  } catch (const ConversionError&) {
+    stored = 0;
+  }
+  return NowSeconds(ports_.clock) - stored;
+}
+
+void mdlUpdate::SetLastChecked(std::string_view Name) {
+  mdlRegistry::SaveSetting(ports_.settings, kSettingsKey, Name, Number(NowSeconds(ports_.clock)), kRegSz);
+}
+
+std::int16_t mdlUpdate::UpdateLocalFile(bool ShowDialog, std::string_view URL, std::string_view FileName,
+                                        std::string_view LastCheckedName, std::int32_t Interval, std::string_view Agent,
+                                        std::string_view LastModifiedKey, bool Forced, std::string_view Caption) {
+  Log& log = ports_.log;
+  std::int16_t result = 0;
+  const std::string name(FileName);
+  try {
+    const double seconds = SecondsSinceLastChecked(LastCheckedName);
+    log.DebugLog("(UpdateLocalFile) " + Number(seconds) + " seconds since " + name + " last updated (interval is " +
+                 std::to_string(Interval) + ")...");
+    std::string headers;
+    if (!Forced) {
+      log.DebugLog("(UpdateLocalFile) Update is not forced");
+      if (seconds < Interval) {
+        log.DebugLog("(UpdateLocalFile) Update interval is not due");
+        if (FileExists(ports_.paths.ProgramFolder() / name) || name == "pagefetch.new" || name == "twtb.new") {
+          log.DebugLog("(UpdateLocalFile) NOT updating");
+          return 0;
+        }
+      }
+      if (!LastModifiedKey.empty()) {
+        const std::string since = ToText(
+            mdlRegistry::GetSetting(ports_.settings, LastModifiedKey, "LastModified", std::string(kEpochLastModified)));
+        headers = "If-Modified-Since: " + since + "\r\n";
+      }
+    }
+    log.DebugLog("(UpdateLocalFile) Updating now");
+    http_.Start_Download(ShowDialog, "GET", URL, Agent, headers, "", Caption);
+    result = http_.HTTPStatus;
+    if (result == 200 || result == 304 || result == 404) SetLastChecked(LastCheckedName);
+    if (result == 200) {
+      const auto path = ports_.paths.ProgramFolder() / name;
+      if (!WriteFile(log, path, http_.ResponseText)) {
+        log.DebugLog("(UpdateLocalFile) Failed to write " + path.string());
+        result = 0;
+      } else {
+        log.WriteLog("Downloaded " + name + " from " + std::string(URL));
+        if (!LastModifiedKey.empty()) {
+          mdlRegistry::SaveSetting(ports_.settings, LastModifiedKey, "LastModified", http_.GetHeader("Last-Modified"),
+                                   kRegSz);
+        }
+      }
+    } else {
+      log.DebugLog("Failed to download " + name + " (" + std::to_string(result) + ": " + http_.ResponseText + ")");
+    }
+  } catch (const std::exception& error) {
+    const std::string text = "Failed to update file (" + name + "): " + DescribeError(error);
+    log.WriteLog(text);
+    if (ports_.options.Debug) {
+      ports_.ui.MessageBox(text, std::string(product::kFileDescription) + " Debugging", vbExclamation);
+    }
+  }
+  http_.Stop_Animation();
+  return result;
+}
+
+void mdlUpdate::GetFileHashes(std::string_view FileList) {
+  const std::vector<std::string> names = SplitCrLf(FileList);
+  std::string query = "?file0=" + names[0];
+  for (std::size_t i = 1; i < names.size(); ++i) query += "&file" + std::to_string(i) + "=" + names[i];
+  http_.Start_Download(false, "GET", ports_.endpoints.server + "/file_hashes" + query, AgentString(), "", "", "");
+  if (http_.HTTPStatus != 200) {
+    ports_.log.DebugLog("(GetFileHashes) Failed: " + http_.ResponseText);
+    return;
+  }
+  const std::vector<std::string> lines = SplitCrLf(http_.ResponseText);
+  // The reply ends with CR LF: its last piece is never a line of its own.
+  for (std::size_t i = 0; i + 1 < lines.size(); ++i) {
+    const auto equals = lines[i].find('=');
+    const std::string name = lines[i].substr(0, equals);
+    std::string hash;
+    if (equals != std::string::npos) {
+      hash = lines[i].substr(equals + 1);
+      hash = hash.substr(0, hash.find('='));
+    }
+    ports_.log.DebugLog("(GetFileHashes) Storing " + name + ": " + hash);
+    FileHashes[name] = hash;
+  }
+}
+
+bool mdlUpdate::CheckServerMD5(std::string_view Hash, std::string_view FileName) {
+  ports_.log.DebugLog("(CheckServerMD5) Checking file " + std::string(FileName) + " has hash " + std::string(Hash));
+  const auto it = FileHashes.find(FileName);
+  return it != FileHashes.end() && it->second == Hash;
+}
+
+std::string mdlUpdate::LocalHash(std::string_view fileName, bool binary) {
+  const auto path = ports_.paths.ProgramFolder() / std::string(fileName);
+  CMD5 md5;
+  return UpperAscii(binary ? md5.MD5Byte(ReadBinaryFile(ports_.log, path)) : md5.MD5(ReadFile(ports_.log, path)));
+}
+
+std::int16_t mdlUpdate::Refresh(const RefreshEntry& entry, std::string_view agent) {
+  if (CheckServerMD5(LocalHash(entry.file, entry.binary), entry.file)) return 0;
+  return UpdateLocalFile(entry.showDialog, ports_.endpoints.server + "/updates/" + std::string(entry.file),
+                         entry.target, entry.lastCheckedName, entry.interval, agent, entry.lastModifiedKey,
+                         entry.forced, "");
+}
+
+bool mdlUpdate::UpdateToolbarDLL(bool Forced) {
+  const std::string url = ports_.endpoints.site + "/check_update/" + ServerLabel(ports_.endpoints.server) + "/" +
+                          VersionText() + "/" + ReadGUID(ports_.settings);
+  UpdateLocalFile(true, url, "twtb.new", "LastCheckedDLL", ports_.options.DLLUpdateInterval, AgentString(), "", Forced,
+                  "");
+  if (http_.HTTPStatus != 200) {
+    ports_.log.DebugLog("(UpdateToolbarDLL) DLL update failed with status " + std::to_string(http_.HTTPStatus));
+    return false;
+  }
+  ports_.log.DebugLog("(UpdateToolbarDLL) An updated DLL is available");
+  const int answer = ports_.ui.MessageBox("There is a new version of " + std::string(product::kFileDescription) +
+                                              " available. Would you like to install it now?",
+                                          "Update available", vbYesNo | vbQuestion);
+  if (answer != vbNo) {
+    ports_.log.DebugLog("(UpdateToolbarDLL) Updating DLL");
+    shell_.StartProgram(ports_.paths.ProgramFolder() / "updater.exe");
+  }
+  return true;
+}
+
+bool mdlUpdate::ProbeProgramFolder() {
+  const auto updater = ports_.paths.ProgramFolder() / "updater.exe";
+  const auto copy = ports_.paths.ProgramFolder() / "updater.exe.bak";
+  std::error_code error;
+  if (!std::filesystem::copy_file(updater, copy, std::filesystem::copy_options::overwrite_existing, error)) {
+    return false;
+  }
+  std::filesystem::permissions(copy, std::filesystem::perms::owner_write, std::filesystem::perm_options::add, error);
+  std::filesystem::remove(copy, error);
+  return true;
+}
+
+}  // namespace tarnwick

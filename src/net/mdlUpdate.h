@@ -1,0 +1,76 @@
+// mdlUpdate: keeps the data files, the components and the program itself
+// current from the toolbar server: the hash list, the interval-driven
+// refresh of one file, the component swap and the self-update check.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "net/NetPorts.h"
+#include "net/frmHTTP.h"
+#include "support/Shell.h"
+
+namespace tarnwick {
+
+// One row of the refresh table: which server file lands where, guarded by
+// which LastChecked value.
+struct RefreshEntry {
+  std::string_view file;             // name on the server and in the hash list
+  std::string_view target;           // local file name in the program folder
+  std::string_view lastCheckedName;  // settings value stamped after a check
+  std::int32_t interval = 0;
+  bool forced = false;
+  bool showDialog = false;
+  std::string_view lastModifiedKey;  // empty: no conditional request
+  bool binary = false;               // hashed over raw bytes (components)
+};
+
+// The files the band refreshes at start, in the order of the hash request,
+// and the refresh rows of the data files, components and menu files.
+const std::vector<std::string_view>& HashListFiles();
+const std::vector<RefreshEntry>& StartupRefreshTable();
+const std::vector<RefreshEntry>& MenuRefreshTable();
+
+// Moves a downloaded pagefetch.new into place (pagefetch.dll -> .old), the
+// next time the download form loads.
+void SwapPageFetch(NetPorts& ports);
+
+class mdlUpdate {
+ public:
+  mdlUpdate(NetPorts ports, frmHTTP& http, Shell& shell);
+
+  // The HTTP status of the fetch, or 0 when nothing was fetched or the file
+  // could not be written.
+  std::int16_t UpdateLocalFile(bool ShowDialog, std::string_view URL, std::string_view FileName,
+                               std::string_view LastCheckedName, std::int32_t Interval, std::string_view Agent,
+                               std::string_view LastModifiedKey, bool Forced, std::string_view Caption);
+  // Asks the server for the hashes of the files named in `FileList` (CR LF
+  // separated) and keeps them in FileHashes.
+  void GetFileHashes(std::string_view FileList);
+  bool CheckServerMD5(std::string_view Hash, std::string_view FileName);
+  double SecondsSinceLastChecked(std::string_view Name);
+  void SetLastChecked(std::string_view Name);
+  // True when a new version of the program was downloaded.
+  bool UpdateToolbarDLL(bool Forced);
+  // Copies updater.exe to updater.exe.bak and deletes the copy: whether the
+  // program folder can be written. False when the copy failed.
+  bool ProbeProgramFolder();
+
+  // The upper-case MD5 of a local file as the server computes it.
+  std::string LocalHash(std::string_view fileName, bool binary);
+  // Fetches the entry's file when the server's hash differs from the local
+  // one; the status of the fetch, or 0 when the file was current.
+  std::int16_t Refresh(const RefreshEntry& entry, std::string_view agent);
+
+  std::map<std::string, std::string, std::less<>> FileHashes;
+
+ private:
+  NetPorts ports_;
+  frmHTTP& http_;
+  Shell& shell_;
+};
+
+}  // namespace tarnwick

@@ -1,0 +1,74 @@
+// A loopback HTTP server for the transfer tests that misbehaves on request:
+// it answers with exactly the bytes a handler gives, late, half, never, or
+// by dropping the connection.
+#pragma once
+
+#include <atomic>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace tarnwick::testing {
+
+struct Request {
+  std::string method;
+  std::string target;
+  std::string head;  // request line and header lines as received
+  std::string body;
+  // The value of a request header, or empty (name compared without case).
+  std::string Header(const std::string& name) const;
+};
+
+struct Reply {
+  std::string bytes;   // sent as they are
+  int delayMs = 0;     // before anything is sent
+  bool stall = false;  // send `bytes`, then hold the connection open
+  bool drop = false;   // close at once without a byte
+  // A plain HTTP/1.1 answer with Content-Length and Connection: close.
+  static Reply Http(int status, const std::string& reason, const std::string& body,
+                    const std::vector<std::string>& headers = {});
+};
+
+class LoopbackServer {
+ public:
+  explicit LoopbackServer(std::function<Reply(const Request&)> handler);
+  ~LoopbackServer();
+  LoopbackServer(const LoopbackServer&) = delete;
+  LoopbackServer& operator=(const LoopbackServer&) = delete;
+
+  // "http://127.0.0.1:<port>"
+  std::string Base() const;
+  std::vector<Request> Requests();
+
+ private:
+  void AcceptLoop();
+  void Serve(int connection);
+
+  std::function<Reply(const Request&)> handler_;
+  int listener_ = -1;
+  int wake_[2] = {-1, -1};
+  int port_ = 0;
+  std::atomic<bool> stopping_{false};
+  std::mutex mutex_;
+  std::vector<Request> requests_;
+  std::vector<std::thread> workers_;
+  std::thread acceptor_;
+};
+
+// A port that accepts no connection at all: its backlog is full, so a
+// connect to it never completes the handshake.
+class SilentPort {
+ public:
+  SilentPort();
+  ~SilentPort();
+  std::string Base() const;
+
+ private:
+  int listener_ = -1;
+  std::vector<int> fillers_;
+  int port_ = 0;
+};
+
+}  // namespace tarnwick::testing
