@@ -9,6 +9,7 @@
 #include "band/ToolbarProcess.h"
 #include "support/Clock.h"
 #include "support/Paths.h"
+#include "support/Shell.h"
 
 namespace tarnwick::cli {
 
@@ -22,14 +23,27 @@ class Host {
  public:
   explicit Host(const std::string& serverFlag = {}, int unattendedAnswer = vbNo);
   ToolbarProcess& process() { return *process_; }
+  // What a band start does before any transfer: load the options, load the
+  // download form (swapping in a downloaded component) and create the shared
+  // retrieval component. False, with the reason on standard error, when
+  // transfers cannot work.
+  bool StartTransfers();
 
  private:
   std::unique_ptr<Clock> clock_;
   std::unique_ptr<Paths> paths_;
+  std::unique_ptr<Shell> shell_;
   TerminalUi ui_;
   std::unique_ptr<ToolbarProcess> process_;
 };
 
+// Takes "--name VALUE" from `args`; empty when absent.
+std::string TakeOption(std::vector<std::string>& args, const std::string& name);
+// Takes "--name" from `args`.
+bool TakeFlag(std::vector<std::string>& args, const std::string& name);
+
 int RunOptions(const std::vector<std::string>& args);
+int RunFetch(std::vector<std::string> args);
+int RunUpdate(std::vector<std::string> args);
 
 }  // namespace tarnwick::cli

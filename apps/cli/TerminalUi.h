@@ -3,6 +3,7 @@
 // answered from the command line's --answer choice.
 #pragma once
 
+#include "TerminalDialog.h"
 #include "ui/Ui.h"
 
 namespace tarnwick::cli {
@@ -14,6 +15,9 @@ class TerminalUi final : public Ui {
   int MessageBox(std::string_view text, std::string_view title, int style) override;
   // A terminal has no screen width in pixels: the common 1024.
   int ScreenWidthPixels() override { return 1024; }
+  void DoEvents() override { dialog.PollCancel(); }
+
+  TerminalDialog dialog;
 
  private:
   int unattendedAnswer_;

@@ -15,6 +15,10 @@ constexpr const char* kHelp =
     "  options                     print the loaded options, one 'Name = value' per line\n"
     "  options set NAME VALUE      store a setting as text\n"
     "  options delete NAME         remove a setting (exit status 1 when it was not set)\n"
+    "  fetch [--post DATA] URL     one transfer through the download form: status, headers, body\n"
+    "  update [--force] [--server URL]\n"
+    "                              refresh the data files and components from the server, then\n"
+    "                              check for a newer program version (exit status 1 when a file failed)\n"
     "\n"
     "  --help                      this text\n"
     "  --version                   the program's name and version\n"
@@ -42,6 +46,8 @@ int main(int argc, char** argv) {
   }
   const std::vector<std::string> rest(args.begin() + 1, args.end());
   if (args[0] == "options") return RunOptions(rest);
+  if (args[0] == "fetch") return RunFetch(rest);
+  if (args[0] == "update") return RunUpdate(rest);
   std::cerr << "tarnwick: unknown command '" << args[0] << "' (see tarnwick --help)\n";
   return kExitError;
 }

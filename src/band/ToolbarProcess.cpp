@@ -4,11 +4,12 @@
 
 namespace tarnwick {
 
-ToolbarProcess::ToolbarProcess(Paths& paths_, Clock& clock_, Ui& ui_, const SettingsStoreFactory& makeStore,
-                               Endpoints endpoints_)
-    : paths(paths_),
-      clock(clock_),
-      ui(ui_),
+ToolbarProcess::ToolbarProcess(HostPorts ports, const SettingsStoreFactory& makeStore, Endpoints endpoints_)
+    : paths(ports.paths),
+      clock(ports.clock),
+      ui(ports.ui),
+      dialog(ports.dialog),
+      shell(ports.shell),
       endpoints(std::move(endpoints_)),
       settings(makeStore(log)),
       AgentString(tarnwick::AgentString()) {}

@@ -8,12 +8,16 @@
 #include <memory>
 #include <string>
 
+#include "net/frmHTTP.h"
+#include "net/mdlUpdate.h"
 #include "settings/Endpoints.h"
 #include "settings/SettingsStore.h"
 #include "settings/ToolbarOptions.h"
 #include "support/Clock.h"
 #include "support/Log.h"
 #include "support/Paths.h"
+#include "support/Shell.h"
+#include "ui/DownloadDialog.h"
 #include "ui/Ui.h"
 
 namespace tarnwick {
@@ -21,22 +25,39 @@ namespace tarnwick {
 // Builds the settings store once the log exists (the store logs through it).
 using SettingsStoreFactory = std::function<std::unique_ptr<SettingsStore>(Log&)>;
 
+// The host's side of the platform: where things are, what time it is, and
+// how to reach the person and start programs.
+struct HostPorts {
+  Paths& paths;
+  Clock& clock;
+  Ui& ui;
+  DownloadDialog& dialog;
+  Shell& shell;
+};
+
 class ToolbarProcess {
  public:
-  ToolbarProcess(Paths& paths, Clock& clock, Ui& ui, const SettingsStoreFactory& makeStore, Endpoints endpoints);
+  ToolbarProcess(HostPorts ports, const SettingsStoreFactory& makeStore, Endpoints endpoints);
 
   // Computes DefaultTextWindowWidth and (re)loads the options.
   void LoadOptions();
+  NetPorts Net() { return {log, clock, ui, paths, *settings, options, endpoints}; }
 
   Paths& paths;
   Clock& clock;
   Ui& ui;
+  DownloadDialog& dialog;
+  Shell& shell;
   Endpoints endpoints;
   ToolbarOptions options;
   Log log{paths, clock, options.Debug};
   std::unique_ptr<SettingsStore> settings;
   std::int32_t DefaultTextWindowWidth = 0;
   std::string AgentString;
+  // The one download form (holding the shared retrieval component once the
+  // host has created it) and the updater with its file-hash table.
+  frmHTTP http{Net(), dialog};
+  mdlUpdate updates{Net(), http, shell};
 };
 
 }  // namespace tarnwick

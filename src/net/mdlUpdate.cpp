@@ -204,8 +204,8 @@ std::string mdlUpdate::LocalHash(std::string_view fileName, bool binary) {
   return UpperAscii(binary ? md5.MD5Byte(ReadBinaryFile(ports_.log, path)) : md5.MD5(ReadFile(ports_.log, path)));
 }
 
-std::int16_t mdlUpdate::Refresh(const RefreshEntry& entry, std::string_view agent) {
-  if (CheckServerMD5(LocalHash(entry.file, entry.binary), entry.file)) return 0;
+std::optional<std::int16_t> mdlUpdate::Refresh(const RefreshEntry& entry, std::string_view agent) {
+  if (CheckServerMD5(LocalHash(entry.file, entry.binary), entry.file)) return std::nullopt;
   return UpdateLocalFile(entry.showDialog, ports_.endpoints.server + "/updates/" + std::string(entry.file),
                          entry.target, entry.lastCheckedName, entry.interval, agent, entry.lastModifiedKey,
                          entry.forced, "");
@@ -214,10 +214,12 @@ std::int16_t mdlUpdate::Refresh(const RefreshEntry& entry, std::string_view agen
 bool mdlUpdate::UpdateToolbarDLL(bool Forced) {
   const std::string url = ports_.endpoints.site + "/check_update/" + ServerLabel(ports_.endpoints.server) + "/" +
                           VersionText() + "/" + ReadGUID(ports_.settings);
-  UpdateLocalFile(true, url, "twtb.new", "LastCheckedDLL", ports_.options.DLLUpdateInterval, AgentString(), "", Forced,
-                  "");
-  if (http_.HTTPStatus != 200) {
-    ports_.log.DebugLog("(UpdateToolbarDLL) DLL update failed with status " + std::to_string(http_.HTTPStatus));
+  // The result, not the form's last status: a check that was not due leaves
+  // the form holding some earlier transfer's status.
+  LastUpdateCheckStatus = UpdateLocalFile(true, url, "twtb.new", "LastCheckedDLL", ports_.options.DLLUpdateInterval,
+                                          AgentString(), "", Forced, "");
+  if (LastUpdateCheckStatus != 200) {
+    ports_.log.DebugLog("(UpdateToolbarDLL) DLL update failed with status " + std::to_string(LastUpdateCheckStatus));
     return false;
   }
   ports_.log.DebugLog("(UpdateToolbarDLL) An updated DLL is available");

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -62,10 +63,12 @@ class mdlUpdate {
   // The upper-case MD5 of a local file as the server computes it.
   std::string LocalHash(std::string_view fileName, bool binary);
   // Fetches the entry's file when the server's hash differs from the local
-  // one; the status of the fetch, or 0 when the file was current.
-  std::int16_t Refresh(const RefreshEntry& entry, std::string_view agent);
+  // one: the result of UpdateLocalFile, or nullopt when the file was current.
+  std::optional<std::int16_t> Refresh(const RefreshEntry& entry, std::string_view agent);
 
   std::map<std::string, std::string, std::less<>> FileHashes;
+  // The status of the last update check's fetch; 0 when it made no request.
+  std::int16_t LastUpdateCheckStatus = 0;
 
  private:
   NetPorts ports_;

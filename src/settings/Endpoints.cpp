@@ -18,10 +18,12 @@ std::string FromEnvironment(const char* name, std::string_view fallback) {
 }  // namespace
 
 Endpoints ResolveEndpoints(std::string_view serverFlag) {
-  Endpoints endpoints{FromEnvironment("TARNWICK_SERVER", kDefaultServer),
-                      FromEnvironment("TARNWICK_SITE", kDefaultSite)};
-  if (!serverFlag.empty()) endpoints.server = WithoutTrailingSlash(std::string(serverFlag));
-  return endpoints;
+  std::string server = FromEnvironment("TARNWICK_SERVER", kDefaultServer);
+  if (!serverFlag.empty()) server = WithoutTrailingSlash(std::string(serverFlag));
+  // The reference server is also the web site: without a site of its own the
+  // site follows the server.
+  std::string site = FromEnvironment("TARNWICK_SITE", server);
+  return {std::move(server), std::move(site)};
 }
 
 }  // namespace tarnwick

@@ -1,3 +1,4 @@
+#include <random>
 #include <string>
 
 #include "ProductInfo.h"
@@ -78,6 +79,20 @@ bool ReadShowLabels(SettingsStore& store) {
 
 std::string ReadGUID(SettingsStore& store) {
   return ToText(mdlRegistry::GetSetting(store, mdlRegistry::kSettingsKey, "GUID", std::string()));
+}
+
+}  // namespace tarnwick
+
+namespace tarnwick {
+
+std::string EnsureGUID(SettingsStore& store) {
+  std::string guid = ReadGUID(store);
+  if (!guid.empty()) return guid;
+  std::random_device random;
+  static constexpr char kDigits[] = "0123456789ABCDEF";
+  for (int i = 0; i < 32; ++i) guid += kDigits[random() % 16];
+  mdlRegistry::SaveSetting(store, mdlRegistry::kSettingsKey, "GUID", guid, kRegSz);
+  return guid;
 }
 
 }  // namespace tarnwick

@@ -60,5 +60,8 @@ void LoadOptions(SettingsStore& store, Ui& ui, std::int32_t defaultTextWindowWid
 // Two more values of the same key, read where they are used.
 bool ReadShowLabels(SettingsStore& store);
 std::string ReadGUID(SettingsStore& store);
+// The installation's identifier: 32 upper-case hexadecimal digits, made from
+// the system's random source and stored the first time it is asked for.
+std::string EnsureGUID(SettingsStore& store);
 
 }  // namespace tarnwick

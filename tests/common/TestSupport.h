@@ -118,7 +118,10 @@ struct TestProcess {
   FakeClock clock;
   TestPaths paths{dir.path()};
   ScriptedUi ui;
-  ToolbarProcess process{paths, clock, ui, [this](Log& log) { return MakeCleanTestStore(dir.path(), log); },
+  ScriptedDialog dialog;
+  std::unique_ptr<Shell> shell = MakePlatformShell();
+  ToolbarProcess process{{paths, clock, ui, dialog, *shell},
+                         [this](Log& log) { return MakeCleanTestStore(dir.path(), log); },
                          Endpoints{"http://127.0.0.1:9", "http://127.0.0.1:9"}};
 };
 
