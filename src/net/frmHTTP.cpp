@@ -17,14 +17,11 @@ std::string DebuggingTitle() { return std::string(product::kFileDescription) + "
 
 // The number an error answer begins with, as a 16-bit status.
 std::int16_t StatusOfAnswer(const std::string& number) {
-  std::int32_t value = 0;
   try {
-    value = ToLong(number);
+    return ToInteger(number);
   } catch (const ConversionError& error) {
     throw RoutineError(error.number(), error.what());
   }
-  if (value < INT16_MIN || value > INT16_MAX) throw RoutineError(kErrOverflow, "Overflow");
-  return static_cast<std::int16_t>(value);
 }
 
 }  // namespace

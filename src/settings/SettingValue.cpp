@@ -68,6 +68,12 @@ std::int32_t ToLong(const SettingValue& value) {
   return static_cast<std::int32_t>(rounded);
 }
 
+std::int16_t ToInteger(const SettingValue& value) {
+  const std::int32_t number = ToLong(value);
+  if (number < INT16_MIN || number > INT16_MAX) throw ConversionError(kErrOverflow, "Overflow");
+  return static_cast<std::int16_t>(number);
+}
+
 double ToDouble(const SettingValue& value) {
   if (const auto* number = std::get_if<std::int32_t>(&value)) return *number;
   const auto parsed = NumberOfText(std::get<std::string>(value));

@@ -28,6 +28,8 @@ class ConversionError : public std::runtime_error {
 // fraction rounds half to even, "&H" introduces hexadecimal. Throws
 // ConversionError.
 std::int32_t ToLong(const SettingValue& value);
+// As ToLong, within a signed 16-bit range. Throws ConversionError.
+std::int16_t ToInteger(const SettingValue& value);
 // Number or numeric text to a double (no rounding). Throws ConversionError.
 double ToDouble(const SettingValue& value);
 // Zero is false, any other number true; "True" and "False" in any case.

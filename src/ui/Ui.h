@@ -29,6 +29,8 @@ class Ui {
   // Lets the host's pending events run (painting, input, a dialog's Cancel)
   // while the program waits on the user-interface thread.
   virtual void DoEvents() {}
+  // Whether the Ctrl key is held down at this moment.
+  virtual bool CtrlKeyDown() { return false; }
 };
 
 }  // namespace tarnwick
