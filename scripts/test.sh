@@ -15,6 +15,7 @@ for preset in default asan; do
 done
 
 echo "=== windows build (tests under Wine)"
+bash scripts/build-pcre2-windows.sh
 cmake --preset windows >/dev/null
 cmake --build --preset windows
 bash scripts/wine-prefix.sh build/windows/wineprefix

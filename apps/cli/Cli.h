@@ -23,6 +23,7 @@ class Host {
  public:
   explicit Host(const std::string& serverFlag = {}, int unattendedAnswer = vbNo);
   ToolbarProcess& process() { return *process_; }
+  TerminalUi& ui() { return ui_; }
   // What a band start does before any transfer: load the options, load the
   // download form (swapping in a downloaded component) and create the shared
   // retrieval component. False, with the reason on standard error, when
@@ -45,5 +46,9 @@ bool TakeFlag(std::vector<std::string>& args, const std::string& name);
 int RunOptions(const std::vector<std::string>& args);
 int RunFetch(std::vector<std::string> args);
 int RunUpdate(std::vector<std::string> args);
+int RunCheck(std::vector<std::string> args);
+int RunRex(const std::vector<std::string>& args);
+int RunBlockPage(const std::vector<std::string>& args);
+int RunComponents(const std::vector<std::string>& args);
 
 }  // namespace tarnwick::cli

@@ -2,24 +2,11 @@
 #include <iostream>
 
 #include "Cli.h"
-#include "PageFetchObject.h"
+#include "band/ComponentFactory.h"
+#include "band/Components.h"
 #include "settings/Endpoints.h"
-#include "settings/mdlRegistry.h"
 
 namespace tarnwick::cli {
-namespace {
-
-std::shared_ptr<ComponentObject> CreatePageFetch(ToolbarProcess& process) {
-  SettingsStore& store = *process.settings;
-  return std::make_shared<pagefetch::PageFetchObject>([&store] {
-    const auto list = [&store](std::string_view name) {
-      return ToText(mdlRegistry::GetSetting(store, mdlRegistry::kSettingsKey, name, std::string()));
-    };
-    return pagefetch::ZoneLists{list("TrustedSites"), list("IntranetSites"), list("RestrictedSites")};
-  });
-}
-
-}  // namespace
 
 Host::Host(const std::string& serverFlag, int unattendedAnswer)
     : clock_(MakeSystemClock()), paths_(MakePlatformPaths()), shell_(MakePlatformShell()), ui_(unattendedAnswer) {
@@ -36,7 +23,12 @@ bool Host::StartTransfers() {
     std::cerr << "tarnwick: no retrieval component in " << process.paths.ProgramFolder().string() << '\n';
     return false;
   }
-  process.http.pageFetch = CreatePageFetch(process);
+  process.http.pageFetch =
+      NewObject(process, process.paths.ProgramFolder() / kPageFetchComponent.file, kPageFetchComponent.progId);
+  if (!process.http.pageFetch) {
+    std::cerr << "tarnwick: the retrieval component could not be created (see the log)\n";
+    return false;
+  }
   return true;
 }
 

@@ -16,8 +16,11 @@ class TerminalUi final : public Ui {
   // A terminal has no screen width in pixels: the common 1024.
   int ScreenWidthPixels() override { return 1024; }
   void DoEvents() override { dialog.PollCancel(); }
+  // A terminal cannot tell whether Ctrl is down: the command line says so.
+  bool CtrlKeyDown() override { return ctrlHeld; }
 
   TerminalDialog dialog;
+  bool ctrlHeld = false;
 
  private:
   int unattendedAnswer_;

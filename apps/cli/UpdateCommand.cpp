@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "Cli.h"
+#include "band/StartUp.h"
 
 namespace tarnwick::cli {
 namespace {
@@ -34,9 +35,7 @@ int RunUpdate(std::vector<std::string> args) {
   ToolbarProcess& process = host.process();
   mdlUpdate& updates = process.updates;
 
-  std::string list;
-  for (const auto file : HashListFiles()) list += (list.empty() ? "" : "\r\n") + std::string(file);
-  updates.GetFileHashes(list);
+  RequestFileHashes(process);
 
   bool failed = false;
   for (const auto* table : {&StartupRefreshTable(), &MenuRefreshTable()}) {

@@ -12,6 +12,9 @@ constexpr const char* kHelp =
     "usage: tarnwick COMMAND [ARGS]\n"
     "\n"
     "commands:\n"
+    "  check [--server URL] [--json] [--answer yes|no] [--ctrl] [--post-data FILE] [URL...]\n"
+    "                              judge each URL (or each line of standard input) as a navigation;\n"
+    "                              exit status 0 nothing blocked, 1 something blocked, 2 an error\n"
     "  options                     print the loaded options, one 'Name = value' per line\n"
     "  options set NAME VALUE      store a setting as text\n"
     "  options delete NAME         remove a setting (exit status 1 when it was not set)\n"
@@ -19,6 +22,15 @@ constexpr const char* kHelp =
     "  update [--force] [--server URL]\n"
     "                              refresh the data files and components from the server, then\n"
     "                              check for a newer program version (exit status 1 when a file failed)\n"
+    "  rex test|match SUBJECT PATTERN [FLAGS]\n"
+    "  rex replace SUBJECT PATTERN REPLACEMENT [FLAGS]\n"
+    "                              the regular-expression component's answer: True or False (exit\n"
+    "                              status 1 for False), the groups one per line (or 'no match'), or\n"
+    "                              the replaced text; FLAGS are letters of i, g, e, s\n"
+    "  blockpage                   print the block page (about:PhishingSite) as HTML\n"
+    "  components                  list the components' ProgIDs and their registered files\n"
+    "  components register|unregister FILE\n"
+    "                              call the component library's own registration entry point\n"
     "\n"
     "  --help                      this text\n"
     "  --version                   the program's name and version\n"
@@ -48,6 +60,10 @@ int main(int argc, char** argv) {
   if (args[0] == "options") return RunOptions(rest);
   if (args[0] == "fetch") return RunFetch(rest);
   if (args[0] == "update") return RunUpdate(rest);
+  if (args[0] == "check") return RunCheck(rest);
+  if (args[0] == "rex") return RunRex(rest);
+  if (args[0] == "blockpage") return RunBlockPage(rest);
+  if (args[0] == "components") return RunComponents(rest);
   std::cerr << "tarnwick: unknown command '" << args[0] << "' (see tarnwick --help)\n";
   return kExitError;
 }

@@ -1,5 +1,6 @@
 #include "band/ToolbarProcess.h"
 
+#include "ProductInfo.h"
 #include "support/Version.h"
 
 namespace tarnwick {
@@ -12,7 +13,8 @@ ToolbarProcess::ToolbarProcess(HostPorts ports, const SettingsStoreFactory& make
       shell(ports.shell),
       endpoints(std::move(endpoints_)),
       settings(makeStore(log)),
-      AgentString(tarnwick::AgentString()) {}
+      AgentString(tarnwick::AgentString()),
+      FileDescription(product::kFileDescription) {}
 
 void ToolbarProcess::LoadOptions() {
   DefaultTextWindowWidth = ComputeDefaultTextWindowWidth(ui);

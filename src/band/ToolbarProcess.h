@@ -8,6 +8,7 @@
 #include <memory>
 #include <string>
 
+#include "check/mdlXSS.h"
 #include "net/frmHTTP.h"
 #include "net/mdlUpdate.h"
 #include "settings/Endpoints.h"
@@ -54,10 +55,17 @@ class ToolbarProcess {
   std::unique_ptr<SettingsStore> settings;
   std::int32_t DefaultTextWindowWidth = 0;
   std::string AgentString;
+  // The program's file description ("Tarnwick Toolbar"); a product built
+  // under another description behaves differently in places.
+  std::string FileDescription;
   // The one download form (holding the shared retrieval component once the
   // host has created it) and the updater with its file-hash table.
   frmHTTP http{Net(), dialog};
   mdlUpdate updates{Net(), http, shell};
+  // The cross-site scripting patterns, and the risk rank of the page last
+  // checked (-1 when unknown), which the site information strip reads.
+  mdlXSS XSS{options, log};
+  std::int16_t CurrentRiskRank = -1;
 };
 
 }  // namespace tarnwick

@@ -72,9 +72,11 @@ class ScriptedUi final : public Ui {
     ++events;
     if (onDoEvents) onDoEvents();
   }
+  bool CtrlKeyDown() override { return ctrlDown; }
 
   std::function<void()> onDoEvents;
   int events = 0;
+  bool ctrlDown = false;
   std::deque<int> answers;
   std::vector<ShownMessage> shown;
   int screenWidth = 1280;

@@ -1,0 +1,86 @@
+#include "server/HostNames.h"
+
+#include <arpa/inet.h>
+
+#include "server/QueryString.h"
+#include "support/Text.h"
+
+namespace tarnwick::server {
+namespace {
+
+// The authority without its user part.
+std::string_view HostAndPort(std::string_view authority) {
+  const auto at = authority.rfind('@');
+  return at == std::string_view::npos ? authority : authority.substr(at + 1);
+}
+
+// Where the port's ":" is in "host:port", or npos.
+std::size_t PortColon(std::string_view hostAndPort) {
+  if (!hostAndPort.empty() && hostAndPort.front() == '[') {
+    const auto close = hostAndPort.find(']');
+    return close != std::string_view::npos && close + 1 < hostAndPort.size() && hostAndPort[close + 1] == ':'
+               ? close + 1
+               : std::string_view::npos;
+  }
+  return hostAndPort.find(':');
+}
+
+bool IsHostCharacter(char c) {
+  return (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '.' || c == '-' || c == '_';
+}
+
+bool IsIpv6Literal(std::string_view host) {
+  if (host.size() < 4 || host.front() != '[' || host.back() != ']') return false;
+  const std::string inner(host.substr(1, host.size() - 2));
+  in6_addr address{};
+  return inet_pton(AF_INET6, inner.c_str(), &address) == 1;
+}
+
+}  // namespace
+
+std::string HostOfAuthority(std::string_view authority) {
+  std::string_view hostAndPort = HostAndPort(authority);
+  const auto colon = PortColon(hostAndPort);
+  std::string host = LowerAscii(PercentDecode(hostAndPort.substr(0, colon)));
+  if (IsIpv6Literal(host)) return host;
+  while (!host.empty() && host.back() == '.') host.pop_back();
+  if (host.empty() || host.front() == '.') return {};
+  for (const char c : host) {
+    if (!IsHostCharacter(c)) return {};
+  }
+  return host;
+}
+
+bool HasValidPort(std::string_view authority) {
+  const std::string_view hostAndPort = HostAndPort(authority);
+  const auto colon = PortColon(hostAndPort);
+  if (colon == std::string_view::npos) return true;
+  const std::string_view port = hostAndPort.substr(colon + 1);
+  if (port.empty() || port.size() > 5) return false;
+  unsigned value = 0;
+  for (const char c : port) {
+    if (c < '0' || c > '9') return false;
+    value = value * 10 + static_cast<unsigned>(c - '0');
+  }
+  return value <= 65535;
+}
+
+bool IsNumericHost(std::string_view host) {
+  if (IsIpv6Literal(host)) return true;
+  const std::string text(host);
+  in_addr address{};
+  return inet_aton(text.c_str(), &address) != 0;
+}
+
+bool IsPrivateAddress(std::uint32_t address) {
+  const unsigned b1 = address >> 24, b2 = (address >> 16) & 0xFF, b3 = (address >> 8) & 0xFF;
+  return b1 >= 224 || (b1 == 192 && b2 == 0 && b3 == 2) || b1 == 10 || b1 == 0 || b1 == 127 ||
+         (b1 == 172 && b2 >= 16 && b2 <= 31) || (b1 == 192 && b2 == 168) || (b1 == 169 && b2 == 254);
+}
+
+std::string_view ParentDomain(std::string_view host) {
+  const auto dot = host.find('.');
+  return dot == std::string_view::npos ? std::string_view() : host.substr(dot + 1);
+}
+
+}  // namespace tarnwick::server

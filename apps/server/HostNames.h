@@ -1,0 +1,30 @@
+// Host names as the server keys its verdicts: lower case, without user part
+// or port, percent escapes decoded.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace tarnwick::server {
+
+// The host of "user@host:port" (the port and user part are optional); ""
+// when the authority holds no valid host: only letters, digits, ".", "-" and
+// "_", or an IPv6 literal in brackets.
+std::string HostOfAuthority(std::string_view authority);
+
+// True when the port part of an authority, if any, is 1 to 5 digits up to 65535.
+bool HasValidPort(std::string_view authority);
+
+// An address literal: any form the system's address parser accepts (dotted,
+// one decimal number, hexadecimal parts) or an IPv6 literal.
+bool IsNumericHost(std::string_view host);
+
+// Private and special-use IPv4 ranges, where a country means nothing:
+// 0/8, 10/8, 127/8, 169.254/16, 172.16/12, 192.0.2/24, 192.168/16, 224/3.
+bool IsPrivateAddress(std::uint32_t address);
+
+// "a.b.example.com" -> "b.example.com" -> "example.com" -> "com" -> "".
+std::string_view ParentDomain(std::string_view host);
+
+}  // namespace tarnwick::server

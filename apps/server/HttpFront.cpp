@@ -1,0 +1,209 @@
+#include "server/HttpFront.h"
+
+#include <arpa/inet.h>
+#include <microhttpd.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <charconv>
+#include <cstring>
+
+namespace tarnwick::server {
+namespace {
+
+// What one request accumulates between the library's calls.
+struct Exchange {
+  std::string target;  // raw, as on the request line
+  std::string body;
+  bool started = false;
+  bool bodyTooLarge = false;
+};
+
+std::string Describe(int error) { return std::strerror(error); }
+
+void* OnRequestLine(void*, const char* uri, MHD_Connection*) {
+  auto* exchange = new Exchange;
+  exchange->target = uri != nullptr ? uri : "";
+  return exchange;
+}
+
+void OnCompleted(void*, MHD_Connection*, void** state, MHD_RequestTerminationCode) {
+  delete static_cast<Exchange*>(*state);
+  *state = nullptr;
+}
+
+MHD_Result Send(MHD_Connection* connection, const HttpResponse& answer) {
+  MHD_Response* response =
+      MHD_create_response_from_buffer(answer.body.size(), const_cast<char*>(answer.body.data()), MHD_RESPMEM_MUST_COPY);
+  if (response == nullptr) return MHD_NO;
+  MHD_add_response_header(response, MHD_HTTP_HEADER_CONTENT_TYPE, answer.contentType.c_str());
+  for (const auto& [name, value] : answer.headers) MHD_add_response_header(response, name.c_str(), value.c_str());
+  const MHD_Result queued = MHD_queue_response(connection, static_cast<unsigned>(answer.status), response);
+  MHD_destroy_response(response);
+  return queued;
+}
+
+MHD_Result CollectHeader(void* list, MHD_ValueKind, const char* key, const char* value) {
+  static_cast<HeaderList*>(list)->emplace_back(key, value != nullptr ? value : "");
+  return MHD_YES;
+}
+
+std::string ClientAddress(MHD_Connection* connection) {
+  const MHD_ConnectionInfo* info = MHD_get_connection_info(connection, MHD_CONNECTION_INFO_CLIENT_ADDRESS);
+  if (info == nullptr || info->client_addr == nullptr) return {};
+  char text[INET6_ADDRSTRLEN] = {};
+  const sockaddr* address = info->client_addr;
+  if (address->sa_family == AF_INET) {
+    inet_ntop(AF_INET, &reinterpret_cast<const sockaddr_in*>(address)->sin_addr, text, sizeof text);
+  } else if (address->sa_family == AF_INET6) {
+    inet_ntop(AF_INET6, &reinterpret_cast<const sockaddr_in6*>(address)->sin6_addr, text, sizeof text);
+  }
+  return text;
+}
+
+bool BodyDeclaredTooLarge(MHD_Connection* connection, std::size_t limit) {
+  const char* length = MHD_lookup_connection_value(connection, MHD_HEADER_KIND, MHD_HTTP_HEADER_CONTENT_LENGTH);
+  if (length == nullptr) return false;
+  std::size_t bytes = 0;
+  const auto [end, error] = std::from_chars(length, length + std::strlen(length), bytes);
+  return error != std::errc() || bytes > limit;
+}
+
+MHD_Result OnRequest(void* context, MHD_Connection* connection, const char*, const char* method, const char*,
+                     const char* uploadData, std::size_t* uploadSize, void** state) {
+  const auto& front = *static_cast<const HttpFront*>(context);
+  auto& exchange = *static_cast<Exchange*>(*state);
+  if (!exchange.started) {
+    // The first call comes once the headers are in; the body, if any, follows.
+    exchange.started = true;
+    if (exchange.target.size() > front.limits().maxTargetBytes) return Send(connection, ErrorResponse(414));
+    if (BodyDeclaredTooLarge(connection, front.limits().maxBodyBytes)) return Send(connection, ErrorResponse(413));
+    return MHD_YES;
+  }
+  if (*uploadSize != 0) {
+    // The answer can only go out once the body is in; past the limit the
+    // rest of it is read and dropped.
+    exchange.bodyTooLarge = exchange.bodyTooLarge || exchange.body.size() + *uploadSize > front.limits().maxBodyBytes;
+    if (!exchange.bodyTooLarge) exchange.body.append(uploadData, *uploadSize);
+    *uploadSize = 0;
+    return MHD_YES;
+  }
+  if (exchange.bodyTooLarge) return Send(connection, ErrorResponse(413));
+
+  HttpRequest request;
+  request.method = method;
+  const auto question = exchange.target.find('?');
+  request.path = exchange.target.substr(0, question);
+  if (question != std::string::npos) request.query = exchange.target.substr(question + 1);
+  MHD_get_connection_values(connection, MHD_HEADER_KIND, CollectHeader, &request.headers);
+  request.body = std::move(exchange.body);
+  request.clientAddress = ClientAddress(connection);
+  return Send(connection, front.Dispatch(request));
+}
+
+// A bound, listening socket, or -1 with `error` set.
+int OpenListeningSocket(const ListenAddress& address, std::string& error) {
+  sockaddr_storage storage{};
+  socklen_t length = 0;
+  auto* v4 = reinterpret_cast<sockaddr_in*>(&storage);
+  auto* v6 = reinterpret_cast<sockaddr_in6*>(&storage);
+  if (inet_pton(AF_INET, address.host.c_str(), &v4->sin_addr) == 1) {
+    v4->sin_family = AF_INET;
+    v4->sin_port = htons(address.port);
+    length = sizeof *v4;
+  } else if (inet_pton(AF_INET6, address.host.c_str(), &v6->sin6_addr) == 1) {
+    v6->sin6_family = AF_INET6;
+    v6->sin6_port = htons(address.port);
+    length = sizeof *v6;
+  } else {
+    error = "not a numeric address: " + address.host;
+    return -1;
+  }
+  const int socket = ::socket(storage.ss_family, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  if (socket < 0) {
+    error = "cannot open a socket: " + Describe(errno);
+    return -1;
+  }
+  const int on = 1;
+  setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
+  if (bind(socket, reinterpret_cast<sockaddr*>(&storage), length) != 0 || listen(socket, SOMAXCONN) != 0) {
+    error = "cannot listen on " + BaseAddress(address) + ": " + Describe(errno);
+    close(socket);
+    return -1;
+  }
+  return socket;
+}
+
+std::uint16_t BoundPort(int socket) {
+  sockaddr_storage storage{};
+  socklen_t length = sizeof storage;
+  if (getsockname(socket, reinterpret_cast<sockaddr*>(&storage), &length) != 0) return 0;
+  if (storage.ss_family == AF_INET6) return ntohs(reinterpret_cast<sockaddr_in6*>(&storage)->sin6_port);
+  return ntohs(reinterpret_cast<sockaddr_in*>(&storage)->sin_port);
+}
+
+}  // namespace
+
+std::optional<ListenAddress> ParseListenAddress(std::string_view text) {
+  const auto colon = text.rfind(':');
+  if (colon == std::string_view::npos || colon == 0) return std::nullopt;
+  std::string_view host = text.substr(0, colon);
+  const std::string_view port = text.substr(colon + 1);
+  if (host.front() == '[') {
+    if (host.size() < 3 || host.back() != ']') return std::nullopt;
+    host = host.substr(1, host.size() - 2);
+  } else if (host.find(':') != std::string_view::npos) {
+    return std::nullopt;
+  }
+  unsigned value = 0;
+  const auto [end, error] = std::from_chars(port.data(), port.data() + port.size(), value);
+  if (port.empty() || error != std::errc() || end != port.data() + port.size() || value > 65535) return std::nullopt;
+  return ListenAddress{std::string(host), static_cast<std::uint16_t>(value)};
+}
+
+std::string BaseAddress(const ListenAddress& address) {
+  const bool v6 = address.host.find(':') != std::string::npos;
+  return "http://" + (v6 ? "[" + address.host + "]" : address.host) + ":" + std::to_string(address.port);
+}
+
+HttpFront::HttpFront(HttpHandler handler, HttpLimits limits) : handler_(std::move(handler)), limits_(limits) {}
+
+HttpFront::~HttpFront() { Stop(); }
+
+bool HttpFront::Listen(const ListenAddress& address, std::string& error) {
+  socket_ = OpenListeningSocket(address, error);
+  if (socket_ < 0) return false;
+  port_ = BoundPort(socket_);
+  v6_ = address.host.find(':') != std::string::npos;
+  return true;
+}
+
+bool HttpFront::Serve(std::string& error) {
+  // A thread per connection: on a busy machine a worker that the scheduler
+  // sets aside then delays one connection, not every connection of its
+  // event loop, which keeps the slowest answers fast (see bench/server).
+  const unsigned flags =
+      MHD_USE_THREAD_PER_CONNECTION | MHD_USE_INTERNAL_POLLING_THREAD | MHD_USE_POLL | (v6_ ? MHD_USE_IPv6 : 0);
+  daemon_ = MHD_start_daemon(
+      flags, 0, nullptr, nullptr, &OnRequest, this, MHD_OPTION_LISTEN_SOCKET, socket_, MHD_OPTION_URI_LOG_CALLBACK,
+      &OnRequestLine, nullptr, MHD_OPTION_NOTIFY_COMPLETED, &OnCompleted, nullptr, MHD_OPTION_CONNECTION_MEMORY_LIMIT,
+      limits_.connectionMemoryBytes, MHD_OPTION_CONNECTION_TIMEOUT, limits_.connectionTimeoutSeconds,
+      MHD_OPTION_CONNECTION_LIMIT, limits_.maxConnections, MHD_OPTION_STRICT_FOR_CLIENT, 1, MHD_OPTION_END);
+  if (daemon_ == nullptr) {
+    error = "the HTTP library could not start on port " + std::to_string(port_);
+    return false;
+  }
+  socket_ = -1;  // the library closes it when it stops
+  return true;
+}
+
+void HttpFront::Stop() {
+  if (socket_ >= 0) close(socket_);
+  socket_ = -1;
+  if (daemon_ != nullptr) MHD_stop_daemon(daemon_);
+  daemon_ = nullptr;
+}
+
+}  // namespace tarnwick::server

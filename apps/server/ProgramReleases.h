@@ -1,0 +1,31 @@
+// Newer versions of the toolbar program, published in the data folder as
+//   releases/<major>.<minor>.<revision>/twtb.dll
+// and offered by /check_update/<label>/<major.minor.revision>/<GUID>.
+#pragma once
+
+#include <filesystem>
+#include <string_view>
+
+#include "server/HttpTypes.h"
+#include "support/Log.h"
+
+namespace tarnwick::server {
+
+inline constexpr std::string_view kCheckUpdatePrefix = "/check_update/";
+inline constexpr const char* kProgramFileName = "twtb.dll";
+
+class ProgramReleases {
+ public:
+  ProgramReleases(std::filesystem::path folder, Log& log) : folder_(std::move(folder)), log_(log) {}
+
+  // Reads what follows "/check_update/": 200 with the newest published
+  // program file when it is newer than the version asked about, 404 when
+  // none is, 400 when the path is not of that form.
+  HttpResponse CheckUpdate(std::string_view rest) const;
+
+ private:
+  std::filesystem::path folder_;
+  Log& log_;
+};
+
+}  // namespace tarnwick::server

@@ -1,0 +1,22 @@
+#include "band/StartUp.h"
+
+#include "support/Files.h"
+
+namespace tarnwick {
+
+void RequestFileHashes(ToolbarProcess& process) {
+  std::string list;
+  for (const auto file : HashListFiles()) list += (list.empty() ? "" : "\r\n") + std::string(file);
+  process.updates.GetFileHashes(list);
+}
+
+void LoadBlockLists(ToolbarProcess& process, CheckURL& checker) {
+  for (const RefreshEntry& entry : StartupRefreshTable()) {
+    if (entry.file == "localblock.dat" || entry.file == "xss.dat") process.updates.Refresh(entry, process.AgentString);
+  }
+  const auto folder = process.paths.ProgramFolder();
+  checker.SetURLPatterns(ReadFile(process.log, folder / "localblock.dat"));
+  process.XSS.SetXSSPatterns(ReadFile(process.log, folder / "xss.dat"));
+}
+
+}  // namespace tarnwick

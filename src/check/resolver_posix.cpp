@@ -1,0 +1,66 @@
+#include <arpa/inet.h>
+#include <netdb.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+
+#include <cstdlib>
+#include <cstring>
+
+#include "check/Resolver.h"
+#include "support/Text.h"
+
+namespace tarnwick {
+namespace {
+
+IPv4Bytes BytesOf(in_addr address) {
+  IPv4Bytes bytes{};
+  std::memcpy(bytes.data(), &address.s_addr, 4);  // network order: first byte first
+  return bytes;
+}
+
+class PosixResolver final : public Resolver {
+ public:
+  bool Startup() override { return true; }
+  bool Cleanup() override { return true; }
+
+  // inet_aton accepts the numeric forms the Windows parser accepts.
+  std::optional<IPv4Bytes> ParseAddress(const std::string& host) override {
+    in_addr address{};
+    if (inet_aton(host.c_str(), &address) == 0) return std::nullopt;
+    return BytesOf(address);
+  }
+
+  // libcurl goes through a proxy when one of these is set.
+  bool ConnectionUsesProxy() override {
+    for (const char* name : {"http_proxy", "HTTP_PROXY", "https_proxy", "HTTPS_PROXY", "all_proxy", "ALL_PROXY"}) {
+      const char* value = std::getenv(name);
+      if (value != nullptr && *value != '\0') return true;
+    }
+    return false;
+  }
+
+  // Names under the reserved top-level domains and example domains never
+  // resolve on the public DNS (and "localhost" is this machine): no query is
+  // sent for them.
+  std::optional<IPv4Bytes> ResolveName(const std::string& host) override {
+    const std::string name = LowerAscii(host);
+    if (name == "localhost" || name.ends_with(".localhost")) return IPv4Bytes{127, 0, 0, 1};
+    for (const char* reserved : {".example", ".test", ".invalid", ".example.com", ".example.net", ".example.org"}) {
+      if (name.ends_with(reserved) || name == std::string_view(reserved).substr(1)) return std::nullopt;
+    }
+    addrinfo hints{};
+    hints.ai_family = AF_INET;
+    hints.ai_socktype = SOCK_STREAM;
+    addrinfo* answer = nullptr;
+    if (getaddrinfo(host.c_str(), nullptr, &hints, &answer) != 0 || answer == nullptr) return std::nullopt;
+    const IPv4Bytes bytes = BytesOf(reinterpret_cast<sockaddr_in*>(answer->ai_addr)->sin_addr);
+    freeaddrinfo(answer);
+    return bytes;
+  }
+};
+
+}  // namespace
+
+std::unique_ptr<Resolver> MakePlatformResolver() { return std::make_unique<PosixResolver>(); }
+
+}  // namespace tarnwick

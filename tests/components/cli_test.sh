@@ -1,0 +1,59 @@
+#!/usr/bin/env bash
+# The rex, blockpage and components commands of the built tarnwick program,
+# as a person writing block lists runs them: answers, exit statuses and the
+# messages of every way a call can go wrong.
+#   cli_test.sh PATH-TO-tarnwick
+set -u
+tarnwick=$1
+scratch=$(mktemp -d)
+trap 'rm -rf "$scratch"' EXIT
+export XDG_CONFIG_HOME=$scratch/config XDG_STATE_HOME=$scratch/state
+export TARNWICK_LOCAL_MACHINE_SETTINGS=$scratch/machine/local-machine.reg TARNWICK_SITE=http://site.example
+unset TARNWICK_PROGRAM_DIR
+passed=0 failed=0
+
+# expect NAME STATUS OUTPUT-PATTERN COMMAND...: the exit status, and a line
+# of standard output and error together that matches the extended regular
+# expression. With "=" before it, the pattern is instead the whole output.
+expect() {
+  local name=$1 status=$2 pattern=$3
+  shift 3
+  local output actual
+  output=$("$@" 2>&1)
+  actual=$?
+  if [ "$actual" -eq "$status" ] &&
+    { [ "${pattern:0:1}" = "=" ] && [ "$output" = "${pattern:1}" ] || grep -qE -- "$pattern" <<<"$output"; }; then
+    passed=$((passed + 1))
+  else
+    failed=$((failed + 1))
+    printf 'FAILED %s: status %s (wanted %s), output:\n%s\n' "$name" "$actual" "$status" "$output"
+  fi
+}
+
+expect "test matches" 0 '^True$' "$tarnwick" rex test 'HTTP://Bad.Example/x' '^https?://bad\.example/' i
+expect "test without i" 1 '^False$' "$tarnwick" rex test 'HTTP://Bad.Example/x' '^https?://bad\.example/'
+expect "match groups" 0 $'=Hosted in \n[US]\n United States' \
+  "$tarnwick" rex match 'Hosted in [US] United States' '(.*?)(\[[A-Z]{2}\])([^\[]*)' ig
+expect "match nothing" 1 '^no match$' "$tarnwick" rex match abc '(x)'
+expect "replace" 0 '=A/é' "$tarnwick" rex replace '%41%2f%E9' '\%([\da-f]{2})' 'chr(hex($1))' ige
+expect "bad pattern" 1 'does not compile.*|False' "$tarnwick" rex test abc '(abc'
+expect "bad expression" 2 "Replacement expression 'chr\\(': expected a value" \
+  "$tarnwick" rex replace abc b 'chr(' e
+expect "usage" 2 '^usage: tarnwick rex' "$tarnwick" rex test onlysubject
+expect "blockpage" 0 '<a href="http://site.example/report_mistake">report it</a>' "$tarnwick" blockpage
+
+program=$(dirname "$tarnwick")/../lib/tarnwick
+rex=$(cd "$program" && pwd)/tarnwickrex.dll
+expect "listed once created" 0 "^Tarnwick.Rex	$rex$" "$tarnwick" components
+expect "unregister" 0 '^$' "$tarnwick" components unregister "$rex"
+expect "listed unregistered" 0 '^Tarnwick.Rex	\(not registered\)$' "$tarnwick" components
+mkdir -p "$scratch/empty"
+expect "no component" 2 'regular-expression component could not be created' \
+  env TARNWICK_PROGRAM_DIR="$scratch/empty" "$tarnwick" rex test a a
+expect "register" 0 '^$' "$tarnwick" components register "$rex"
+echo "plain text" >"$scratch/notalibrary.dll"
+expect "register no library" 2 'is no component library' "$tarnwick" components register "$scratch/notalibrary.dll"
+expect "components usage" 2 '^usage: tarnwick components' "$tarnwick" components list
+
+echo "$passed passed, $failed failed"
+[ "$failed" -eq 0 ]
