@@ -17,8 +17,8 @@
 #include "band/ComponentFactory.h"
 #include "band/Components.h"
 #include "check/CheckURL.h"
-#include "net/PageFetch.h"
 #include "common/TestSupport.h"
+#include "net/PageFetch.h"
 #include "support/Files.h"
 
 namespace tarnwick {
