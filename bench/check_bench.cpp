@@ -20,6 +20,7 @@
 #include "common/TestSupport.h"
 #include "net/PageFetch.h"
 #include "support/Files.h"
+#include "support/Text.h"
 
 namespace tarnwick {
 namespace {
@@ -70,7 +71,7 @@ struct Engine {
 void BM_LocalPath(benchmark::State& state) {
   Engine engine;
   const auto count = static_cast<std::size_t>(state.range(0));
-  const auto patterns = SplitAtCrLf(Slurp(g_blocklistDir + "/localblock-" + std::to_string(count) + ".dat"));
+  const auto patterns = Split(Slurp(g_blocklistDir + "/localblock-" + std::to_string(count) + ".dat"), "\r\n");
   const auto urls = Lines(g_blocklistDir + "/urls-" + std::to_string(count) + ".txt", 200);
   Rex rex(*engine.rex);
   PageFetch pageFetch(*engine.process.http.pageFetch);

@@ -6,37 +6,16 @@
 #include <fstream>
 #include <memory>
 
+#include "DownloadForm.h"
 #include "LoopbackServer.h"
-#include "PageFetchObject.h"
-#include "common/TestSupport.h"
-#include "net/frmHTTP.h"
 
 namespace tarnwick {
 namespace {
 
 using namespace tarnwick::testing;
 
-struct Form {
-  Form() {
-    options.ServerTimeout = 2;  // rounded elapsed seconds pass 2 at 2.5 s
-    std::ofstream(paths.program / "pagefetch.dll") << "component";
-    http.Form_Load();
-    http.pageFetch = std::make_shared<pagefetch::PageFetchObject>([] { return pagefetch::ZoneLists{}; });
-  }
-  TempDir dir;
-  TestPaths paths{dir.path()};
-  SteppingClock clock;
-  ScriptedUi ui;
-  ScriptedDialog dialog;
-  ToolbarOptions options;
-  Log log{paths, clock, options.Debug};
-  std::unique_ptr<SettingsStore> store = MakeCleanTestStore(dir.path(), log);
-  Endpoints endpoints{"http://127.0.0.1:9", "http://127.0.0.1:9"};
-  frmHTTP http{{log, clock, ui, paths, *store, options, endpoints}, dialog};
-};
-
 void BM_WaitOnStalledServer(benchmark::State& state) {
-  Form form;
+  DownloadForm form(2);  // rounded elapsed seconds pass 2 at 2.5 s
   LoopbackServer server([](const Request&) {
     Reply reply;
     reply.stall = true;
@@ -51,7 +30,7 @@ void BM_WaitOnStalledServer(benchmark::State& state) {
 BENCHMARK(BM_WaitOnStalledServer)->Iterations(1)->Unit(benchmark::kMillisecond);
 
 void BM_SequentialSmallTransfers(benchmark::State& state) {
-  Form form;
+  DownloadForm form(5);
   LoopbackServer server([](const Request&) { return Reply::Http(200, "OK", std::string(512, 'x')); });
   for (auto _ : state) {
     form.http.Start_Download(false, "GET", server.Base() + "/small", "bench", "", "", "");

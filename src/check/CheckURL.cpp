@@ -36,17 +36,6 @@ std::string DecodeB64(std::string_view text) {
   return out;
 }
 
-std::vector<std::string> SplitAtTabs(const std::string& text) {
-  std::vector<std::string> parts;
-  std::size_t start = 0;
-  for (;;) {
-    const auto end = text.find('\t', start);
-    parts.push_back(text.substr(start, end == std::string::npos ? end : end - start));
-    if (end == std::string::npos) return parts;
-    start = end + 1;
-  }
-}
-
 }  // namespace
 
 const char* CheckStepName(CheckStep step) {
@@ -231,7 +220,7 @@ void CheckURL::URL_Blocked_Remotely(const std::string& URL, bool& blocked) {
   }
   const std::string encoded = http.GetHeader("X-Phishing-Patterns");
   const std::vector<std::string> patterns =
-      encoded.empty() ? std::vector<std::string>{} : SplitAtTabs(DecodeB64(encoded));
+      encoded.empty() ? std::vector<std::string>{} : Split(DecodeB64(encoded), "\t");
   if (http.HTTPStatus == 403) {
     lastResponse_ = http.ResponseText.substr(0, kMaxResponseChars);
     blocked = true;

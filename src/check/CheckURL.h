@@ -25,6 +25,7 @@
 #include "settings/ToolbarOptions.h"
 #include "support/ComponentObject.h"
 #include "support/Log.h"
+#include "support/Text.h"
 #include "ui/Ui.h"
 
 namespace tarnwick {
@@ -63,7 +64,7 @@ class CheckURL {
   CheckURL(CheckPorts ports, std::shared_ptr<ComponentObject> rexObject);
 
   bool Failed() const { return rexObject_ == nullptr; }
-  void SetURLPatterns(std::string_view text) { urlPatterns_ = SplitAtCrLf(text); }
+  void SetURLPatterns(std::string_view text) { urlPatterns_ = Split(text, "\r\n"); }
   const std::string& GetLastResponse() const { return lastResponse_; }
   void SetLastResponse(std::string text) { lastResponse_ = std::move(text); }
 

@@ -1,8 +1,10 @@
 #include "check/mdlXSS.h"
 
+#include "support/Text.h"
+
 namespace tarnwick {
 
-void mdlXSS::SetXSSPatterns(std::string_view text) { patterns_ = SplitAtCrLf(text); }
+void mdlXSS::SetXSSPatterns(std::string_view text) { patterns_ = Split(text, "\r\n"); }
 
 std::string mdlXSS::DecodeForXSS(std::string& data, Rex& rex) {
   data = rex.Replace(data, R"(\+)", " ", "g");

@@ -36,17 +36,6 @@ std::string ServerLabel(std::string_view server) {
   return std::string(host.substr(0, host.find('.')));
 }
 
-std::vector<std::string> SplitCrLf(std::string_view text) {
-  std::vector<std::string> parts;
-  std::size_t start = 0;
-  for (;;) {
-    const auto end = text.find("\r\n", start);
-    parts.emplace_back(text.substr(start, end == std::string_view::npos ? end : end - start));
-    if (end == std::string_view::npos) return parts;
-    start = end + 2;
-  }
-}
-
 }  // namespace
 
 const std::vector<std::string_view>& HashListFiles() {
@@ -169,7 +158,7 @@ std::int16_t mdlUpdate::UpdateLocalFile(bool ShowDialog, std::string_view URL, s
 }
 
 void mdlUpdate::GetFileHashes(std::string_view FileList) {
-  const std::vector<std::string> names = SplitCrLf(FileList);
+  const std::vector<std::string> names = Split(FileList, "\r\n");
   std::string query = "?file0=" + names[0];
   for (std::size_t i = 1; i < names.size(); ++i) query += "&file" + std::to_string(i) + "=" + names[i];
   http_.Start_Download(false, "GET", ports_.endpoints.server + "/file_hashes" + query, AgentString(), "", "", "");
@@ -177,7 +166,7 @@ void mdlUpdate::GetFileHashes(std::string_view FileList) {
     ports_.log.DebugLog("(GetFileHashes) Failed: " + http_.ResponseText);
     return;
   }
-  const std::vector<std::string> lines = SplitCrLf(http_.ResponseText);
+  const std::vector<std::string> lines = Split(http_.ResponseText, "\r\n");
   // The reply ends with CR LF: its last piece is never a line of its own.
   for (std::size_t i = 0; i + 1 < lines.size(); ++i) {
     const auto equals = lines[i].find('=');

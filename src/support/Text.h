@@ -5,6 +5,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tarnwick {
 
@@ -29,5 +30,9 @@ std::string Utf8ToAnsi(std::string_view utf8);
 std::string LowerAscii(std::string_view text);
 std::string UpperAscii(std::string_view text);
 bool EqualsIgnoreCase(std::string_view a, std::string_view b);
+
+// The pieces of `text` between occurrences of `separator`, empty ones kept
+// ("a\r\n\r\nb" at CR LF gives "a", "", "b"; "" gives one empty piece).
+std::vector<std::string> Split(std::string_view text, std::string_view separator);
 
 }  // namespace tarnwick
