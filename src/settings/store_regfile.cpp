@@ -14,6 +14,7 @@
 
 #include "settings/RegFile.h"
 #include "support/Log.h"
+#include "support/ReplaceFile.h"
 
 namespace tarnwick {
 namespace {
@@ -119,25 +120,9 @@ class RegFileStore final : public SettingsStore {
   }
 
   static long Replace(const std::filesystem::path& file, const std::string& content) {
-    const std::string temporary = file.string() + ".tmp." + std::to_string(::getpid());
-    const int fd = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-    if (fd < 0) return StatusOfErrno(errno);
-    std::size_t written = 0;
-    while (written < content.size()) {
-      const ssize_t n = ::write(fd, content.data() + written, content.size() - written);
-      if (n < 0 && errno == EINTR) continue;
-      if (n <= 0) break;
-      written += static_cast<std::size_t>(n);
-    }
-    const bool complete = written == content.size() && ::fsync(fd) == 0;
-    const int saved = errno;
-    ::close(fd);
-    if (!complete || ::rename(temporary.c_str(), file.c_str()) != 0) {
-      const long status = StatusOfErrno(complete ? errno : saved);
-      ::unlink(temporary.c_str());
-      return status;
-    }
-    return kErrorSuccess;
+    const auto failure = ReplaceFile(file, content, ".tmp." + std::to_string(::getpid()),
+                                     std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+    return failure ? StatusOfErrno(failure->error.value()) : kErrorSuccess;
   }
 
   void ReportUnreadable(Root root, const RegFile& file) {

@@ -1,5 +1,7 @@
 #include "support/Files.h"
 
+#include "support/ReplaceFile.h"
+
 #include <cerrno>
 #include <cstring>
 #include <fstream>
@@ -55,24 +57,11 @@ bool WriteFile(Log& log, const std::filesystem::path& path, std::string_view tex
   log.DebugLog("(WriteFile) Writing " + path.string());
   // The new content is complete on disk before it replaces the old file, so a
   // failure at any moment leaves one of the two whole.
-  const std::filesystem::path partial = path.string() + kPartialSuffix;
-  errno = 0;
-  std::ofstream out(partial, std::ios::binary | std::ios::trunc);
-  if (out) out.write(text.data(), static_cast<std::streamsize>(text.size()));
-  if (out) out.close();
-  std::error_code error;
-  if (!out) {
-    log.DebugLog("(WriteFile) Error writing " + path.string() + ": " + Describe(errno != 0 ? errno : EIO));
-    std::filesystem::remove(partial, error);
-    return false;
-  }
-  std::filesystem::rename(partial, path, error);
-  if (error) {
-    log.DebugLog("(WriteFile) Error deleting " + path.string() + ": " + error.message());
-    std::filesystem::remove(partial, error);
-    return false;
-  }
-  return true;
+  const auto failure = ReplaceFile(path, text, kPartialSuffix);
+  if (!failure) return true;
+  const char* what = failure->stage == ReplaceFailure::Stage::Renaming ? "deleting" : "writing";
+  log.DebugLog("(WriteFile) Error " + std::string(what) + " " + path.string() + ": " + failure->error.message());
+  return false;
 }
 
 }  // namespace tarnwick
