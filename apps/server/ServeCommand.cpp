@@ -24,7 +24,8 @@ void ReportLine(const std::string& line) {
 int RunServe(const std::vector<std::string>& args) {
   Arguments parsed;
   std::string error;
-  if (!ParseArguments(args, {"--listen", "--db", "--data", "--signing-key"}, {}, parsed, error) || !parsed.operands.empty()) {
+  if (!ParseArguments(args, {"--listen", "--db", "--data", "--signing-key"}, {}, parsed, error) ||
+      !parsed.operands.empty()) {
     std::cerr << "tarnwick-server: " << (error.empty() ? "unexpected operand" : error) << '\n' << kUsage;
     return kExitError;
   }

@@ -109,8 +109,8 @@ int RepairProgramFolder(const std::filesystem::path& folder, Log& log) {
   return problems == 0 ? 0 : 1;
 }
 
-int RunUpdater(const std::vector<std::string>& args, const std::filesystem::path& folder, Log& log,
-               const InUse& inUse, UpdaterOptions options) {
+int RunUpdater(const std::vector<std::string>& args, const std::filesystem::path& folder, Log& log, const InUse& inUse,
+               UpdaterOptions options) {
   if (args.empty()) return InstallNewVersion(folder, log, inUse, options);
   if (args.size() == 1 && EqualsIgnoreCase(args[0], "/i")) return RepairProgramFolder(folder, log);
   std::string text;

@@ -42,8 +42,8 @@ int RepairProgramFolder(const std::filesystem::path& folder, Log& log);
 
 // What the command line asks for: nothing (install) or "/i" (repair, any
 // case). Anything else is logged and ends with 2.
-int RunUpdater(const std::vector<std::string>& args, const std::filesystem::path& folder, Log& log,
-               const InUse& inUse, UpdaterOptions options = {});
+int RunUpdater(const std::vector<std::string>& args, const std::filesystem::path& folder, Log& log, const InUse& inUse,
+               UpdaterOptions options = {});
 
 // Whether another process still has the program file open for running it
 // (backend per platform).

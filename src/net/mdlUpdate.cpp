@@ -70,7 +70,9 @@ const std::vector<RefreshEntry>& MenuRefreshTable() {
 
 namespace {
 
-VersionedFile PageFetchFiles(NetPorts& ports) { return VersionedFile::In(ports.paths.ProgramFolder(), "pagefetch.dll"); }
+VersionedFile PageFetchFiles(NetPorts& ports) {
+  return VersionedFile::In(ports.paths.ProgramFolder(), "pagefetch.dll");
+}
 
 // "Deleted pagefetch.old", "Renamed pagefetch.dll to pagefetch.old".
 std::string Describe(const SwapStep& step) {

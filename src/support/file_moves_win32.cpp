@@ -10,8 +10,7 @@ std::error_code LastError() { return {static_cast<int>(::GetLastError()), std::s
 }  // namespace
 
 std::error_code MoveFileOver(const std::filesystem::path& from, const std::filesystem::path& to) {
-  if (::MoveFileExW(from.wstring().c_str(), to.wstring().c_str(),
-                    MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) {
+  if (::MoveFileExW(from.wstring().c_str(), to.wstring().c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) {
     return {};
   }
   return LastError();

@@ -160,9 +160,9 @@ TEST_F(UpdateTest, HashLinesCountOnlyWhenEndedByCrLf) {
 TEST_F(UpdateTest, RefreshFetchesOnlyFilesWhoseHashDiffers) {
   WriteFile(log, paths.program / "localblock.dat", "\x80pattern");
   served["/updates/xss.dat"] = "\x80patterns";
-  hashReply = "localblock.dat=" + ContentHash("\x80pattern", false) + "\r\nxss.dat=" +
-              LowerAscii(ContentHash("\x80patterns", false)) + "\r\npagefetch.dll=" +
-              ContentHash("content of /updates/pagefetch.dll", true) + "\r\n";
+  hashReply = "localblock.dat=" + ContentHash("\x80pattern", false) +
+              "\r\nxss.dat=" + LowerAscii(ContentHash("\x80patterns", false)) +
+              "\r\npagefetch.dll=" + ContentHash("content of /updates/pagefetch.dll", true) + "\r\n";
   updater.GetFileHashes("localblock.dat\r\nxss.dat\r\npagefetch.dll");
   const auto requests = server.Requests().size();
   EXPECT_EQ(updater.Refresh(StartupRefreshTable()[0], "agent"), std::nullopt);
@@ -185,8 +185,8 @@ TEST_F(UpdateTest, AFileReplacesTheOldOneOnlyWithThePublishedHash) {
   EXPECT_EQ(Program("xss.dat"), "working patterns");
   EXPECT_EQ(Stored(kSettingsKey, "LastCheckedTest"), "<absent>");  // the next start tries again
   EXPECT_TRUE(InEventLog("(UpdateLocalFile) Discarded xss.dat from " + server.Base() + "/updates/xss.dat: its MD5 " +
-                            ContentHash(served["/updates/xss.dat"], false) + " is not the published " +
-                            ContentHash("new patterns", false)));
+                         ContentHash(served["/updates/xss.dat"], false) + " is not the published " +
+                         ContentHash("new patterns", false)));
 
   // Nothing published for it (the hash request failed): nothing installed.
   EXPECT_EQ(Update("localblock.dat", 0, false), 0);
@@ -208,14 +208,13 @@ TEST_F(UpdateTest, CodeIsInstalledOnlyWithTheUpdateKeysSignature) {
   Publish("tarnwickrex.dll");
   const KeyPair rogue = *MakeKeyPair();
   const std::string url = server.Base() + "/updates/tarnwickrex.dll";
-  const std::pair<const KeyPair*, std::string> refusals[] = {
-      {nullptr, "no signature (404: Not Found)"}, {&rogue, "its signature does not verify"}};
+  const std::pair<const KeyPair*, std::string> refusals[] = {{nullptr, "no signature (404: Not Found)"},
+                                                             {&rogue, "its signature does not verify"}};
   for (const auto& [key, why] : refusals) {
     signing = key;
     EXPECT_EQ(Update("tarnwickrex.dll", 0, true), 0) << why;
     EXPECT_EQ(Program("tarnwickrex.dll"), "working component");
-    EXPECT_TRUE(InEventLog("(UpdateLocalFile) Discarded tarnwickrex.dll from " + url + ": " + why))
-        << why;
+    EXPECT_TRUE(InEventLog("(UpdateLocalFile) Discarded tarnwickrex.dll from " + url + ": " + why)) << why;
   }
   // Without the setting the built-in key counts, and this publisher's is not it.
   signing = &publisher;
@@ -228,8 +227,8 @@ TEST_F(UpdateTest, CodeIsInstalledOnlyWithTheUpdateKeysSignature) {
   EXPECT_TRUE(Logged("the update key file " + (dir / "garbage.pub").string() + " holds no public key"));
   EXPECT_EQ(Program("tarnwickrex.dll"), "working component");
 
-  mdlRegistry::SaveSetting(*store, kSettingsKey, kUpdatePublicKeyFileSetting,
-                           (dir / "update-signing.pub").string(), kRegSz);
+  mdlRegistry::SaveSetting(*store, kSettingsKey, kUpdatePublicKeyFileSetting, (dir / "update-signing.pub").string(),
+                           kRegSz);
   EXPECT_EQ(Update("tarnwickrex.dll", 0, true), 200);
   EXPECT_EQ(Program("tarnwickrex.dll"), "content of /updates/tarnwickrex.dll");
 }
@@ -251,9 +250,9 @@ TEST_F(UpdateTest, EachFailingWriteKeepsTheOldFileAndTheNextStartInstallsIt) {
   WriteFile(log, paths.program / "xss.dat", "old patterns");
   served["/updates/xss.dat"] = std::string(200000, 'p');
   Publish("xss.dat");
-  const std::vector<std::pair<sys::Call, int>> failures = {
-      {sys::Call::Open, ENOSPC}, {sys::Call::Write, ENOSPC}, {sys::Call::Write, EIO},
-      {sys::Call::Fsync, EIO},   {sys::Call::Close, EIO},    {sys::Call::Rename, EACCES}};
+  const std::vector<std::pair<sys::Call, int>> failures = {{sys::Call::Open, ENOSPC}, {sys::Call::Write, ENOSPC},
+                                                           {sys::Call::Write, EIO},   {sys::Call::Fsync, EIO},
+                                                           {sys::Call::Close, EIO},   {sys::Call::Rename, EACCES}};
   for (const auto& [call, error] : failures) {
     SCOPED_TRACE(std::to_string(static_cast<int>(call)) + "/" + std::to_string(error));
     sys::InjectFailure(call, error, 0, true);

@@ -21,7 +21,9 @@ namespace {
 using testing::TempDir;
 
 struct SwapFilesTest : ::testing::Test {
-  void Write(const std::filesystem::path& path, const std::string& text) { std::ofstream(path, std::ios::binary) << text; }
+  void Write(const std::filesystem::path& path, const std::string& text) {
+    std::ofstream(path, std::ios::binary) << text;
+  }
   std::string Read(const std::filesystem::path& path) {
     std::ifstream in(path, std::ios::binary);
     if (!in) return "<none>";
@@ -46,8 +48,8 @@ TEST_F(SwapFilesTest, TheNewVersionGoesInAndTheCurrentOneIsKept) {
   Write(file.previous, "v0");
   EXPECT_FALSE(SwapInPending(file, observe));
   EXPECT_EQ(State(), "v2|<none>|v1");
-  EXPECT_EQ(steps, (std::vector<std::string>{"pagefetch.old>", "pagefetch.dll>pagefetch.old",
-                                             "pagefetch.new>pagefetch.dll"}));
+  EXPECT_EQ(steps,
+            (std::vector<std::string>{"pagefetch.old>", "pagefetch.dll>pagefetch.old", "pagefetch.new>pagefetch.dll"}));
 }
 
 TEST_F(SwapFilesTest, RecoveryFinishesOrUndoesOnlyASwapCutShort) {
