@@ -5,7 +5,6 @@
 
 #include <cerrno>
 #include <cstring>
-#include <fstream>
 #include <system_error>
 
 #include "support/Files.h"
@@ -31,11 +30,7 @@ std::optional<UpdateSigner> UpdateSigner::Load(const std::filesystem::path& file
     error = "no update signing key file " + file.string();
     return std::nullopt;
   }
-  std::ifstream in(file, std::ios::binary);
-  std::string text(130, '\0');
-  in.read(text.data(), static_cast<std::streamsize>(text.size()));
-  text.resize(static_cast<std::size_t>(in.gcount()));
-  const auto key = SecretKeyFromHex(text);
+  const auto key = ReadSecretKeyFile(file);
   if (!key) {
     error = file.string() + " holds no update signing key (128 hex digits, as tarnwick-server keygen writes)";
     return std::nullopt;

@@ -5,7 +5,6 @@
 #include "UpdatePublicKey.h"
 #include "settings/mdlRegistry.h"
 #include "support/CMD5.h"
-#include "support/Files.h"
 #include "support/Text.h"
 
 namespace tarnwick {
@@ -27,11 +26,11 @@ std::string ContentHash(std::string_view content, bool asBytes) {
   return UpperAscii(md5.MD5Byte(bytes));
 }
 
-std::optional<PublicKey> UpdatePublicKey(SettingsStore& settings, Log& log, std::string& why) {
+std::optional<PublicKey> UpdatePublicKey(SettingsStore& settings, std::string& why) {
   const std::string file =
       ToText(mdlRegistry::GetSetting(settings, mdlRegistry::kSettingsKey, kUpdatePublicKeyFileSetting, std::string()));
   if (file.empty()) return PublicKeyFromHex(product::kUpdatePublicKey);
-  auto key = PublicKeyFromHex(ReadFile(log, file));
+  auto key = ReadPublicKeyFile(file);
   if (!key) why = "the update key file " + file + " holds no public key";
   return key;
 }

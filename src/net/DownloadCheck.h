@@ -10,7 +10,6 @@
 #include <string_view>
 
 #include "settings/SettingsStore.h"
-#include "support/Log.h"
 #include "support/Signatures.h"
 
 namespace tarnwick {
@@ -30,6 +29,6 @@ std::string ContentHash(std::string_view content, bool asBytes);
 // The key updates must be signed with: the one in the file the setting
 // names, or the built-in one. nullopt, with the reason in `why`, when the
 // named file holds no key.
-std::optional<PublicKey> UpdatePublicKey(SettingsStore& settings, Log& log, std::string& why);
+std::optional<PublicKey> UpdatePublicKey(SettingsStore& settings, std::string& why);
 
 }  // namespace tarnwick

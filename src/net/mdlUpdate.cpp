@@ -205,7 +205,7 @@ bool mdlUpdate::AcceptDownload(std::string_view URL, const std::string& name, st
   }
   if (!code) return true;
   std::string why;
-  const auto key = UpdatePublicKey(ports_.settings, ports_.log, why);
+  const auto key = UpdatePublicKey(ports_.settings, why);
   if (!key) return discard(why);
   http_.Start_Download(false, "GET", std::string(URL) + ".sig", Agent, "", "", "");
   if (http_.HTTPStatus != 200) {

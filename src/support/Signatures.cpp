@@ -3,6 +3,8 @@
 #include <sodium.h>
 
 #include <algorithm>
+#include <fstream>
+#include <system_error>
 
 namespace tarnwick {
 namespace {
@@ -28,6 +30,17 @@ std::optional<std::array<unsigned char, N>> FromHex(std::string_view hex) {
     return std::nullopt;
   }
   return key;
+}
+
+// The start of a key file: enough for the longest key with blanks around it.
+std::string KeyFileText(const std::filesystem::path& file) {
+  std::error_code error;
+  if (!std::filesystem::is_regular_file(file, error)) return {};
+  std::ifstream in(file, std::ios::binary);
+  std::string text(256, '\0');
+  in.read(text.data(), static_cast<std::streamsize>(text.size()));
+  text.resize(static_cast<std::size_t>(std::max<std::streamsize>(in.gcount(), 0)));
+  return text;
 }
 
 }  // namespace
@@ -73,6 +86,14 @@ std::optional<SecretKey> SecretKeyFromHex(std::string_view hex) {
   sodium_memzero(rebuilt.data(), rebuilt.size());
   if (!consistent) return std::nullopt;
   return key;
+}
+
+std::optional<PublicKey> ReadPublicKeyFile(const std::filesystem::path& file) {
+  return PublicKeyFromHex(KeyFileText(file));
+}
+
+std::optional<SecretKey> ReadSecretKeyFile(const std::filesystem::path& file) {
+  return SecretKeyFromHex(KeyFileText(file));
 }
 
 }  // namespace tarnwick

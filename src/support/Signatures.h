@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstddef>
+#include <filesystem>
 #include <optional>
 #include <span>
 #include <string>
@@ -38,5 +39,9 @@ std::string KeyToHex(std::span<const unsigned char> key);
 // public key that its seed gives.
 std::optional<PublicKey> PublicKeyFromHex(std::string_view hex);
 std::optional<SecretKey> SecretKeyFromHex(std::string_view hex);
+// The key in a key file, of which no more is read than a key needs: nullopt
+// for a file that is missing, no regular file, or holds anything else.
+std::optional<PublicKey> ReadPublicKeyFile(const std::filesystem::path& file);
+std::optional<SecretKey> ReadSecretKeyFile(const std::filesystem::path& file);
 
 }  // namespace tarnwick

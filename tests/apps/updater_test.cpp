@@ -1,11 +1,15 @@
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <thread>
 
 #include "Updater.h"
 #include "common/TestSupport.h"
 #include "support/Files.h"
+#include "support/Shell.h"
 
 #ifndef _WIN32
 #include <fcntl.h>
@@ -119,6 +123,29 @@ TEST_F(UpdaterTest, RepairReportsWhatItCannotMend) {
 
   EXPECT_EQ(Run({"/x", "more"}), 2);
   EXPECT_TRUE(Logged("(Updater) Unknown arguments: /x more"));
+}
+
+// The shell port hands each argument over whole, blanks and quotes included:
+// the updater logs what it was given.
+TEST_F(UpdaterTest, TheShellPassesEachArgumentWhole) {
+  std::filesystem::copy_file(TARNWICK_UPDATER, folder / "updater.exe");
+#ifndef _WIN32
+  ::setenv("XDG_STATE_HOME", (dir / "state").c_str(), 1);
+#endif
+  const auto platformPaths = MakePlatformPaths();
+  Log platformLog(*platformPaths, clock, debug);
+  const std::string marker = "two words " + dir.path().filename().string();
+  ASSERT_TRUE(MakePlatformShell()->StartProgram(folder / "updater.exe", {"/x", marker, "say \"hi\\\""}));
+  const std::string expected = "(Updater) Unknown arguments: /x " + marker + " say \"hi\\\"";
+  std::string logged;
+  for (int i = 0; i < 500 && logged.find(expected) == std::string::npos; ++i) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    logged = ReadFile(log, platformLog.LogFilePath());
+  }
+  EXPECT_NE(logged.find(expected), std::string::npos) << logged;
+#ifndef _WIN32
+  ::unsetenv("XDG_STATE_HOME");
+#endif
 }
 
 #ifndef _WIN32

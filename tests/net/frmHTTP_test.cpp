@@ -267,7 +267,9 @@ TEST_F(FrmHttpTest, LoadErrorsAreLoggedShownWithDebugAndTheComponentStillLoads) 
         Logged("(debug) An error occurred while loading frmHTTP: Out of memory (" + std::to_string(number) + ")"));
     // Permission denied (70) is never shown.
     ASSERT_EQ(ui.shown.size(), number == 70 ? 0u : 1u) << number;
-    if (number != 70) EXPECT_EQ(ui.shown[0].title, "Tarnwick Toolbar Debugging");
+    if (number != 70) {
+      EXPECT_EQ(ui.shown[0].title, "Tarnwick Toolbar Debugging");
+    }
   }
 }
 
