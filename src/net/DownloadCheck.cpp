@@ -19,6 +19,8 @@ bool IsCodeFile(std::string_view fileName) {
   return name.ends_with(".dll") || name.ends_with(".new");
 }
 
+bool HashedAsBytes(std::string_view publishedName) { return LowerAscii(publishedName).ends_with(".dll"); }
+
 std::string ContentHash(std::string_view content, bool asBytes) {
   const CMD5 md5;
   if (!asBytes) return UpperAscii(md5.MD5(content));

@@ -23,6 +23,9 @@ inline constexpr std::string_view kUpdatePublicKeyFileSetting = "UpdatePublicKey
 std::string PublishedName(std::string_view url, std::string_view server);
 // True for a ".dll" or ".new" file (any case): installed only when signed.
 bool IsCodeFile(std::string_view fileName);
+// True for a name the hash list hashes over its bytes: a ".dll" (any case),
+// as the server does.
+bool HashedAsBytes(std::string_view publishedName);
 // The upper-case MD5 the hash list holds for content of that kind: over the
 // raw bytes when `asBytes` (the components), over the text otherwise.
 std::string ContentHash(std::string_view content, bool asBytes);

@@ -200,7 +200,7 @@ bool mdlUpdate::AcceptDownload(std::string_view URL, const std::string& name, st
   if (!published.empty()) {
     const auto listed = FileHashes.find(published);
     if (listed == FileHashes.end()) return discard("the server published no hash for " + published);
-    const std::string hash = ContentHash(content, IsCodeFile(published));
+    const std::string hash = ContentHash(content, HashedAsBytes(published));
     if (hash != listed->second) return discard("its MD5 " + hash + " is not the published " + listed->second);
   }
   if (!code) return true;

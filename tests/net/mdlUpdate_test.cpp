@@ -55,7 +55,7 @@ struct UpdateTest : NetFixture {
   // Puts the hash of what the server serves for `file` in the hash table,
   // as this start's hash list would.
   void Publish(const std::string& file) {
-    updater.FileHashes[file] = ContentHash(*Served("/updates/" + file), IsCodeFile(file));
+    updater.FileHashes[file] = ContentHash(*Served("/updates/" + file), HashedAsBytes(file));
   }
   std::int16_t Update(const std::string& file, std::int32_t interval, bool forced, const std::string& key = {}) {
     return updater.UpdateLocalFile(false, server.Base() + "/updates/" + file, file, "LastCheckedTest", interval,
