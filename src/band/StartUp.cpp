@@ -4,6 +4,14 @@
 
 namespace tarnwick {
 
+void RunUpdaterHousekeeping(ToolbarProcess& process) {
+  if (process.updates.ProbeProgramFolder()) return;
+  const auto updater = process.paths.ProgramFolder() / "updater.exe";
+  const bool started = process.shell.StartProgram(updater, {"/i"});
+  process.log.WriteLog("(RunUpdaterHousekeeping) The program folder probe failed; " +
+                       std::string(started ? "started " : "could not start ") + updater.string() + " /i");
+}
+
 void RequestFileHashes(ToolbarProcess& process) {
   std::string list;
   for (const auto file : HashListFiles()) list += (list.empty() ? "" : "\r\n") + std::string(file);
