@@ -49,9 +49,13 @@ Reply Trickled(const std::string& body) {
 
 TEST_F(FrmHttpTest, APageArrivesWithItsHeadersAndTheAgent) {
   LoopbackServer server([](const Request&) {
-    return Reply::Http(200, "OK", std::string("body\0bytes\x80", 11),
-                       {"Last-Modified: Sun, 22 Nov 2026 10:00:00 GMT", "X-Twice: first", "X-Twice: second",
-                        "x-lower: hidden", "X-Tight:packed"});
+    Reply reply = Reply::Http(200, "OK", std::string("body\0bytes\x80", 11),
+                              {"Last-Modified: Sun, 22 Nov 2026 10:00:00 GMT", "X-Twice: first", "X-Twice: second",
+                               "x-lower: hidden", "X-Tight:packed"});
+    // Long enough that the form sees the transfer under way, however busy
+    // the machine.
+    reply.delayMs = 300;
+    return reply;
   });
   Get(server.Base() + "/updates/xss.dat", "If-Modified-Since: Thu, 1 Jan 1970 00:00:00 GMT\r\n");
   EXPECT_EQ(http.HTTPStatus, 200);
