@@ -1,14 +1,8 @@
 #include "server/QueryString.h"
 
+#include "support/Hex.h"
+
 namespace tarnwick::server {
-
-int HexDigitValue(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-  return -1;
-}
-
 namespace {
 
 Params Parse(std::string_view text, bool plusIsSpace) {
@@ -32,8 +26,8 @@ std::string PercentDecode(std::string_view text, bool plusIsSpace) {
   decoded.reserve(text.size());
   for (std::size_t i = 0; i < text.size(); ++i) {
     const char c = text[i];
-    if (c == '%' && i + 2 < text.size() && HexDigitValue(text[i + 1]) >= 0 && HexDigitValue(text[i + 2]) >= 0) {
-      decoded += static_cast<char>(HexDigitValue(text[i + 1]) * 16 + HexDigitValue(text[i + 2]));
+    if (const auto byte = c == '%' && i + 2 < text.size() ? HexByte(text[i + 1], text[i + 2]) : std::nullopt) {
+      decoded += static_cast<char>(*byte);
       i += 2;
     } else {
       decoded += plusIsSpace && c == '+' ? ' ' : c;

@@ -11,9 +11,6 @@ namespace tarnwick::server {
 
 using Params = std::vector<std::pair<std::string, std::string>>;
 
-// 0-15 for a hexadecimal digit of either case, -1 for anything else.
-int HexDigitValue(char c);
-
 // "%" and two hexadecimal digits (either case) become that byte; a "%" not
 // followed by two digits stays as it is. With `plusIsSpace`, "+" becomes " ".
 std::string PercentDecode(std::string_view text, bool plusIsSpace = false);
