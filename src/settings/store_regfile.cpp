@@ -163,40 +163,36 @@ class RegFileStore final : public SettingsStore {
   // missing file is an empty registry. Null, with `status` set and the
   // reason reported, when the file is there but cannot be read.
   std::shared_ptr<const RegFile> Load(Root root, long& status, Reading reading = Reading::Cached) {
-    RootFile& root_file = roots_[static_cast<std::size_t>(root)];
+    RootFile& rootFile = roots_[static_cast<std::size_t>(root)];
     struct stat info {};
-    if (::stat(root_file.path.c_str(), &info) != 0) {
-      if (errno == ENOENT) {
-        root_file.problem.clear();
-        if (!root_file.cached || root_file.identity) root_file.cached = std::make_shared<const RegFile>();
-        root_file.identity.reset();
-        return root_file.cached;
-      }
+    if (::stat(rootFile.path.c_str(), &info) != 0) {
+      if (errno == ENOENT) return Missing(rootFile);
       const int error = errno;
       status = StatusOfErrno(error);
-      Unreadable(root_file, std::generic_category().message(error));
+      Unreadable(rootFile, std::generic_category().message(error));
       return nullptr;
     }
-    if (reading == Reading::Cached && root_file.cached && root_file.identity == FileIdentity::Of(info)) {
-      return root_file.cached;
+    if (reading == Reading::Cached && rootFile.cached && rootFile.identity == FileIdentity::Of(info)) {
+      return rootFile.cached;
     }
     if (const std::string problem = Unusable(info); !problem.empty()) {
       status = kErrorRegistryIoFailed;
-      Unreadable(root_file, problem);
+      Unreadable(rootFile, problem);
       return nullptr;
     }
     std::string content;
     FileIdentity identity;
     std::string problem;
-    if (!ReadSettingsFile(root_file.path, content, identity, problem, status)) {
-      Unreadable(root_file, problem);
+    if (!ReadSettingsFile(rootFile.path, content, identity, problem, status)) {
+      if (status == kErrorFileNotFound) return Missing(rootFile);  // removed since stat
+      Unreadable(rootFile, problem);
       return nullptr;
     }
     auto file = std::make_shared<const RegFile>(RegFile::Parse(content));
-    ReportUnreadableLines(root_file, *file);
-    root_file.problem.clear();
-    root_file.cached = file;
-    root_file.identity = identity;
+    ReportUnreadableLines(rootFile, *file);
+    rootFile.problem.clear();
+    rootFile.cached = file;
+    rootFile.identity = identity;
     return file;
   }
 
@@ -205,11 +201,11 @@ class RegFileStore final : public SettingsStore {
   // content over it when the change succeeded. A file that cannot be read is
   // never replaced: that would lose every value it holds.
   long Modify(Root root, const std::function<long(RegFile&)>& change) {
-    RootFile& root_file = roots_[static_cast<std::size_t>(root)];
+    RootFile& rootFile = roots_[static_cast<std::size_t>(root)];
     std::error_code ignored;
-    if (root == Root::CurrentUser) std::filesystem::create_directories(root_file.path.parent_path(), ignored);
+    if (root == Root::CurrentUser) std::filesystem::create_directories(rootFile.path.parent_path(), ignored);
 
-    const std::string lockPath = root_file.path.string() + ".lock";
+    const std::string lockPath = rootFile.path.string() + ".lock";
     const int lock = sys::Open(lockPath.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
     if (lock < 0) return StatusOfErrno(errno);
     while (::flock(lock, LOCK_EX) != 0 && errno == EINTR) {
@@ -218,7 +214,7 @@ class RegFileStore final : public SettingsStore {
     if (const auto current = Load(root, status, Reading::Fresh)) {
       RegFile content = *current;
       status = change(content);
-      if (status == kErrorSuccess) status = Replace(root_file, std::move(content));
+      if (status == kErrorSuccess) status = Replace(rootFile, std::move(content));
     }
     sys::Close(lock);
     return status;
@@ -245,43 +241,51 @@ class RegFileStore final : public SettingsStore {
     return !std::filesystem::exists(machine, error) || ::access(machine.c_str(), W_OK) == 0;
   }
 
-  long Replace(RootFile& root_file, RegFile content) {
+  long Replace(RootFile& rootFile, RegFile content) {
     const std::string text = content.Serialize();
     if (text.size() > kMaxSettingsFileBytes) {
-      log_.DebugLog("(SettingsStore) Not writing " + root_file.path.string() + ": it would grow larger than 1 MiB");
+      log_.DebugLog("(SettingsStore) Not writing " + rootFile.path.string() + ": it would grow larger than 1 MiB");
       return kErrorRegistryIoFailed;
     }
-    const auto failure = ReplaceFile(root_file.path, text, ".tmp." + std::to_string(::getpid()),
+    const auto failure = ReplaceFile(rootFile.path, text, ".tmp." + std::to_string(::getpid()),
                                      std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
     if (failure) {
-      log_.DebugLog("(SettingsStore) Error writing " + root_file.path.string() + ": " + failure->error.message());
+      log_.DebugLog("(SettingsStore) Error writing " + rootFile.path.string() + ": " + failure->error.message());
       return StatusOfErrno(failure->error.value());
     }
     // Still under the lock: nobody else can have replaced it since.
     struct stat info {};
-    if (::stat(root_file.path.c_str(), &info) == 0) {
-      root_file.cached = std::make_shared<const RegFile>(std::move(content));
-      root_file.identity = FileIdentity::Of(info);
+    if (::stat(rootFile.path.c_str(), &info) == 0) {
+      rootFile.cached = std::make_shared<const RegFile>(std::move(content));
+      rootFile.identity = FileIdentity::Of(info);
     }
     return kErrorSuccess;
   }
 
-  void Unreadable(RootFile& root_file, const std::string& reason) {
-    root_file.cached.reset();
-    root_file.identity.reset();
-    const std::string problem = "Cannot read " + root_file.path.string() + ": " + reason +
+  // A missing file is an empty registry.
+  static std::shared_ptr<const RegFile> Missing(RootFile& rootFile) {
+    rootFile.problem.clear();
+    if (!rootFile.cached || rootFile.identity) rootFile.cached = std::make_shared<const RegFile>();
+    rootFile.identity.reset();
+    return rootFile.cached;
+  }
+
+  void Unreadable(RootFile& rootFile, const std::string& reason) {
+    rootFile.cached.reset();
+    rootFile.identity.reset();
+    const std::string problem = "Cannot read " + rootFile.path.string() + ": " + reason +
                                 " (the defaults are used, and nothing is written over it)";
-    if (problem == root_file.problem) return;
-    root_file.problem = problem;
+    if (problem == rootFile.problem) return;
+    rootFile.problem = problem;
     log_.DebugLog("(SettingsStore) " + problem);
     if (report_) report_(problem);
   }
 
-  void ReportUnreadableLines(const RootFile& root_file, const RegFile& file) {
+  void ReportUnreadableLines(const RootFile& rootFile, const RegFile& file) {
     if (!log_.DebugEnabled()) return;
     for (const auto& line : file.UnreadableLines()) {
       if (reportedLines_.insert(line).second) {
-        log_.DebugLog("(SettingsStore) Kept unreadable line of " + root_file.path.string() + ": " + line);
+        log_.DebugLog("(SettingsStore) Kept unreadable line of " + rootFile.path.string() + ": " + line);
       }
     }
   }

@@ -1,7 +1,9 @@
-// Hosts written as numbers in any form the address parser reads are the
-// address they stand for: in the zone of that address and checked like any
-// other site. Only a real name without a dot is on the intranet. What goes
-// to /check_url is the scheme and the host part alone.
+// Which URLs are checked, and what the server is asked. Hosts written as
+// numbers in any form the address parser reads are the address they stand
+// for: in the zone of that address and checked like any other site; only a
+// real name without a dot is on the intranet. What goes to /check_url is the
+// scheme and the host part alone, and a URL that cannot be canonicalised
+// sends nothing.
 #include "CheckFixture.h"
 #include "ZoneMap.h"
 
@@ -74,6 +76,16 @@ TEST_F(NumericHostTest, TheCheckPathCarriesNoPathQueryOrFragment) {
     ASSERT_FALSE(Targets().empty()) << url;
     EXPECT_EQ(Targets().back(), target) << url;
   }
+}
+
+TEST_F(NumericHostTest, AUrlThatCannotBeCanonicalisedIsNotSent) {
+  process.CurrentRiskRank = 4;
+  EXPECT_FALSE(Navigate("http://203.0.113.9/" + std::string(8200, 'a')));
+  EXPECT_TRUE(Logged("Could not canonicalise URL (): The canonical URL is longer than 8191 characters"));
+  EXPECT_TRUE(Logged("URL not supported: \n"));
+  EXPECT_EQ(checker.GetLastResponse(), "No information available.");
+  EXPECT_EQ(process.CurrentRiskRank, -1);
+  EXPECT_TRUE(server.Requests().empty());
 }
 
 }  // namespace
