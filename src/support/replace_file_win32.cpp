@@ -1,4 +1,6 @@
 #include <windows.h>
+// windows.h names its own ReplaceFile as a macro for ReplaceFileA.
+#undef ReplaceFile
 
 #include <algorithm>
 
