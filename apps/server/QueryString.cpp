@@ -1,7 +1,5 @@
 #include "server/QueryString.h"
 
-#include "support/Hex.h"
-
 namespace tarnwick::server {
 namespace {
 
@@ -20,21 +18,6 @@ Params Parse(std::string_view text, bool plusIsSpace) {
 }
 
 }  // namespace
-
-std::string PercentDecode(std::string_view text, bool plusIsSpace) {
-  std::string decoded;
-  decoded.reserve(text.size());
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const char c = text[i];
-    if (const auto byte = c == '%' && i + 2 < text.size() ? HexByte(text[i + 1], text[i + 2]) : std::nullopt) {
-      decoded += static_cast<char>(*byte);
-      i += 2;
-    } else {
-      decoded += plusIsSpace && c == '+' ? ' ' : c;
-    }
-  }
-  return decoded;
-}
 
 Params ParseQuery(std::string_view query) { return Parse(query, false); }
 

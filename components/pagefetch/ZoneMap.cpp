@@ -16,19 +16,6 @@ bool IsLocalPath(std::string_view url) {
          (url[2] == '\\' || url[2] == '/');
 }
 
-std::string PercentDecoded(std::string_view text) {
-  std::string decoded;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if (const auto byte = text[i] == '%' && i + 2 < text.size() ? HexByte(text[i + 1], text[i + 2]) : std::nullopt) {
-      decoded += static_cast<char>(*byte);
-      i += 2;
-    } else {
-      decoded += text[i];
-    }
-  }
-  return decoded;
-}
-
 // The host of "scheme://[user@]host[:port]/...", escapes decoded and
 // lower-cased, as the browser and the host name cleaning of the check read
 // it; empty when the URL has no authority.
@@ -39,7 +26,7 @@ std::string HostOf(std::string_view url) {
   rest = rest.substr(0, rest.find_first_of("/?#"));
   if (const auto at = rest.rfind('@'); at != std::string_view::npos) rest = rest.substr(at + 1);
   if (rest.starts_with("[")) return LowerAscii(rest.substr(0, rest.find(']') + 1));
-  return LowerAscii(PercentDecoded(rest.substr(0, rest.find(':'))));
+  return LowerAscii(PercentDecode(rest.substr(0, rest.find(':'))));
 }
 
 // A name the intranet can have: letters, digits, "-" and "_", not all digits

@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace tarnwick {
 
@@ -31,5 +32,10 @@ inline void AppendHexByte(std::string& out, unsigned char byte, HexLetters lette
   out += digits[byte >> 4];
   out += digits[byte & 15];
 }
+
+// "%" and two hexadecimal digits (either case) become that byte; a "%" not
+// followed by two digits stays as it is. With `plusIsSpace` (form bodies),
+// "+" becomes " ".
+std::string PercentDecode(std::string_view text, bool plusIsSpace = false);
 
 }  // namespace tarnwick

@@ -37,6 +37,8 @@ TEST(HexTest, DigitsOfEitherCase) {
   for (char c : {'g', 'G', 'x', ' ', '/', ':', '@', '`', '\0'}) EXPECT_EQ(HexDigitValue(c), -1) << c;
   EXPECT_EQ(HexByte('4', 'f'), 0x4F);
   EXPECT_EQ(HexByte('4', 'g'), std::nullopt);
+  EXPECT_EQ(PercentDecode("%41%2f%zz%4+x%"), "A/%zz%4+x%");
+  EXPECT_EQ(PercentDecode("a+b%2B", true), "a b+");
   std::string out;
   AppendHexByte(out, 0xE9, HexLetters::Upper);
   AppendHexByte(out, 0x0A, HexLetters::Lower);
