@@ -3,8 +3,9 @@
 #include <iostream>
 #include <iterator>
 
+#include <nlohmann/json.hpp>
+
 #include "Cli.h"
-#include "Json.h"
 #include "band/ComponentFactory.h"
 #include "band/Components.h"
 #include "band/StartUp.h"
@@ -21,11 +22,17 @@ void PrintOutcome(const std::string& url, const CheckURL& checker, std::int16_t 
   const CheckOutcome& outcome = checker.LastOutcome();
   const char* step = CheckStepName(outcome.step);
   if (json) {
-    std::cout << "{\"url\":" << JsonString(url) << ",\"checked\":" << (outcome.checked ? "true" : "false")
-              << ",\"blocked\":" << (outcome.blocked ? "true" : "false")
-              << ",\"step\":" << (step != nullptr ? JsonString(step) : "null") << ",\"risk_rank\":" << rank
-              << ",\"last_response\":" << JsonString(checker.GetLastResponse())
-              << ",\"message\":" << (outcome.message.empty() ? "null" : JsonString(outcome.message)) << "}\n";
+    using Json = nlohmann::ordered_json;
+    const Json line = {
+        {"url", AnsiToUtf8(url)},
+        {"checked", outcome.checked},
+        {"blocked", outcome.blocked},
+        {"step", step != nullptr ? Json(step) : Json(nullptr)},
+        {"risk_rank", rank},
+        {"last_response", AnsiToUtf8(checker.GetLastResponse())},
+        {"message", outcome.message.empty() ? Json(nullptr) : Json(AnsiToUtf8(outcome.message))},
+    };
+    std::cout << line.dump() << '\n';
     return;
   }
   std::cout << AnsiToUtf8(url) << "\n  " << (outcome.blocked ? "blocked" : "allowed") << ", "
@@ -36,11 +43,11 @@ void PrintOutcome(const std::string& url, const CheckURL& checker, std::int16_t 
 }  // namespace
 
 int RunCheck(std::vector<std::string> args) {
-  const bool json = TakeFlag(args, "--json");
-  const bool ctrl = TakeFlag(args, "--ctrl");
   const std::string server = TakeOption(args, "--server");
   const std::string answer = TakeOption(args, "--answer");
   const std::string postFile = TakeOption(args, "--post-data");
+  const bool json = TakeFlag(args, "--json");
+  const bool ctrl = TakeFlag(args, "--ctrl");
   for (const auto& arg : args) {
     if (arg.starts_with("--")) {
       std::cerr << "tarnwick: unknown option " << arg << '\n' << kUsage;

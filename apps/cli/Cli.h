@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -38,7 +39,15 @@ class Host {
   std::unique_ptr<ToolbarProcess> process_;
 };
 
-// Takes "--name VALUE" from `args`; empty when absent.
+// An option given without its value: the program says so and ends with
+// kExitError.
+class MissingOptionValue : public std::runtime_error {
+ public:
+  explicit MissingOptionValue(const std::string& name) : std::runtime_error(name + " needs a value") {}
+};
+
+// Takes "--name VALUE" from `args`; empty when absent. Throws
+// MissingOptionValue when "--name" is last or another option follows it.
 std::string TakeOption(std::vector<std::string>& args, const std::string& name);
 // Takes "--name" from `args`.
 bool TakeFlag(std::vector<std::string>& args, const std::string& name);

@@ -59,13 +59,18 @@ int main(int argc, char** argv) {
     return kExitOk;
   }
   const std::vector<std::string> rest(args.begin() + 1, args.end());
-  if (args[0] == "options") return RunOptions(rest);
-  if (args[0] == "fetch") return RunFetch(rest);
-  if (args[0] == "update") return RunUpdate(rest);
-  if (args[0] == "check") return RunCheck(rest);
-  if (args[0] == "rex") return RunRex(rest);
-  if (args[0] == "blockpage") return RunBlockPage(rest);
-  if (args[0] == "components") return RunComponents(rest);
+  try {
+    if (args[0] == "options") return RunOptions(rest);
+    if (args[0] == "fetch") return RunFetch(rest);
+    if (args[0] == "update") return RunUpdate(rest);
+    if (args[0] == "check") return RunCheck(rest);
+    if (args[0] == "rex") return RunRex(rest);
+    if (args[0] == "blockpage") return RunBlockPage(rest);
+    if (args[0] == "components") return RunComponents(rest);
+  } catch (const MissingOptionValue& error) {
+    std::cerr << "tarnwick: " << error.what() << " (see tarnwick --help)\n";
+    return kExitError;
+  }
   std::cerr << "tarnwick: unknown command '" << args[0] << "' (see tarnwick --help)\n";
   return kExitError;
 }

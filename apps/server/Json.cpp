@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "server/QueryString.h"
+#include "support/Hex.h"
 
 namespace tarnwick::server {
 namespace {

@@ -2,19 +2,16 @@
 
 #include <cstring>
 
-#include "server/Base64.h"
-#include "server/QueryString.h"
+#include "support/Base64.h"
+#include "support/Hex.h"
 
 namespace tarnwick::server {
 namespace {
 
-constexpr char kHexDigits[] = "0123456789ABCDEF";
-
 void AppendLiteral(std::string& pattern, unsigned char byte) {
   if (byte < 0x20 || byte >= 0x7F) {
     pattern += "\\x";
-    pattern += kHexDigits[byte >> 4];
-    pattern += kHexDigits[byte & 15];
+    AppendHexByte(pattern, byte, HexLetters::Upper);
   } else {
     if (std::strchr("\\^$.|?*+()[]{}", byte) != nullptr) pattern += '\\';
     pattern += static_cast<char>(byte);
@@ -46,15 +43,13 @@ std::string PatternForPage(std::string_view siteUrl) {
   std::string pattern = "^https?://";
   for (std::size_t i = 0; i < siteUrl.size(); ++i) {
     const char c = siteUrl[i];
-    if (c == '%' && i + 2 < siteUrl.size() && HexDigitValue(siteUrl[i + 1]) >= 0 &&
-        HexDigitValue(siteUrl[i + 2]) >= 0) {
-      const auto decoded =
-          static_cast<unsigned char>(HexDigitValue(siteUrl[i + 1]) * 16 + HexDigitValue(siteUrl[i + 2]));
+    if (const auto decoded =
+            c == '%' && i + 2 < siteUrl.size() ? HexByte(siteUrl[i + 1], siteUrl[i + 2]) : std::nullopt) {
       pattern += "(?:%";
       AppendHexDigit(pattern, siteUrl[i + 1]);
       AppendHexDigit(pattern, siteUrl[i + 2]);
       pattern += '|';
-      if (SurvivesDecoding(decoded)) AppendLiteral(pattern, decoded);
+      if (SurvivesDecoding(*decoded)) AppendLiteral(pattern, *decoded);
       pattern += ')';
       i += 2;
     } else if (c == '+') {

@@ -1,14 +1,6 @@
 #include "server/QueryString.h"
 
 namespace tarnwick::server {
-
-int HexDigitValue(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-  return -1;
-}
-
 namespace {
 
 Params Parse(std::string_view text, bool plusIsSpace) {
@@ -26,21 +18,6 @@ Params Parse(std::string_view text, bool plusIsSpace) {
 }
 
 }  // namespace
-
-std::string PercentDecode(std::string_view text, bool plusIsSpace) {
-  std::string decoded;
-  decoded.reserve(text.size());
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const char c = text[i];
-    if (c == '%' && i + 2 < text.size() && HexDigitValue(text[i + 1]) >= 0 && HexDigitValue(text[i + 2]) >= 0) {
-      decoded += static_cast<char>(HexDigitValue(text[i + 1]) * 16 + HexDigitValue(text[i + 2]));
-      i += 2;
-    } else {
-      decoded += plusIsSpace && c == '+' ? ' ' : c;
-    }
-  }
-  return decoded;
-}
 
 Params ParseQuery(std::string_view query) { return Parse(query, false); }
 

@@ -1,4 +1,5 @@
-// Percent-decoding of request paths, query strings and form bodies.
+// Query strings and form bodies of requests (their escapes are decoded by
+// PercentDecode, support/Hex.h).
 #pragma once
 
 #include <optional>
@@ -7,16 +8,11 @@
 #include <utility>
 #include <vector>
 
+#include "support/Hex.h"
+
 namespace tarnwick::server {
 
 using Params = std::vector<std::pair<std::string, std::string>>;
-
-// 0-15 for a hexadecimal digit of either case, -1 for anything else.
-int HexDigitValue(char c);
-
-// "%" and two hexadecimal digits (either case) become that byte; a "%" not
-// followed by two digits stays as it is. With `plusIsSpace`, "+" becomes " ".
-std::string PercentDecode(std::string_view text, bool plusIsSpace = false);
 
 // name=value pairs split at "&", in order. A query string keeps "+" as it is:
 // the toolbar sends addresses unescaped apart from "%" and "&", so a "+" in

@@ -1,9 +1,9 @@
 #include "Builtins.h"
 
 #include <array>
-#include <cctype>
 #include <cmath>
 
+#include "support/Hex.h"
 #include "support/Text.h"
 
 namespace tarnwick::rex {
@@ -43,10 +43,10 @@ double HexValue(const std::string& text) {
     at = 1;
   double value = 0;
   for (; at < text.size(); ++at) {
-    const char digit = text[at];
-    if (digit == '_' && at + 1 < text.size() && std::isxdigit(static_cast<unsigned char>(text[at + 1]))) continue;
-    if (!std::isxdigit(static_cast<unsigned char>(digit))) break;
-    value = value * 16 + (std::isdigit(static_cast<unsigned char>(digit)) ? digit - '0' : (digit | 0x20) - 'a' + 10);
+    if (text[at] == '_' && at + 1 < text.size() && HexDigitValue(text[at + 1]) >= 0) continue;
+    const int digit = HexDigitValue(text[at]);
+    if (digit < 0) break;
+    value = value * 16 + digit;
   }
   return value;
 }

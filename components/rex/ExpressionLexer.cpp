@@ -2,11 +2,13 @@
 
 #include <cctype>
 
+#include "support/Hex.h"
+
 namespace tarnwick::rex {
 namespace {
 
 bool IsDigit(char c) { return std::isdigit(static_cast<unsigned char>(c)) != 0; }
-bool IsHexDigit(char c) { return std::isxdigit(static_cast<unsigned char>(c)) != 0; }
+bool IsHexDigit(char c) { return HexDigitValue(c) >= 0; }
 bool IsNameStart(char c) { return std::isalpha(static_cast<unsigned char>(c)) != 0 || c == '_'; }
 bool IsNameChar(char c) { return IsNameStart(c) || IsDigit(c); }
 

@@ -29,9 +29,9 @@ std::optional<std::string> BandResource(const Endpoints& endpoints, std::string_
 
 void RegisterAboutURL(ToolbarProcess& process) {
   std::unique_ptr<RegistryKey> key;
-  // Created where missing: a machine without the browser's key (every POSIX
-  // machine) gets it on the first start.
-  if (process.settings->CreateKey(Root::LocalMachine, kAboutURLsKey, key) != kErrorSuccess) return;
+  // The key is the browser's: where it is missing there is no browser to
+  // show the page, and nothing is created.
+  if (process.settings->OpenKey(Root::LocalMachine, kAboutURLsKey, Access::All, key) != kErrorSuccess) return;
   mdlRegistry::WriteValue(*key, "PhishingSite", kRegSz, std::string(kBlockPageURL));
 }
 

@@ -21,8 +21,9 @@ inline constexpr std::string_view kAboutURLsKey = "SOFTWARE\\Microsoft\\Internet
 std::optional<std::string> BandResource(const Endpoints& endpoints, std::string_view name);
 
 // Makes about:PhishingSite show the block page: sets PhishingSite in the
-// local machine's AboutURLs key. Where that key cannot be written (a user
-// without rights on the machine-wide store) it does nothing, silently.
+// local machine's AboutURLs key, opened with full access. Where that key is
+// missing or cannot be written (a user without rights on the machine-wide
+// store) it does nothing, silently.
 void RegisterAboutURL(ToolbarProcess& process);
 
 }  // namespace tarnwick

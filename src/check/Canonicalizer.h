@@ -11,7 +11,8 @@ namespace tarnwick {
 class Canonicalizer {
  public:
   virtual ~Canonicalizer() = default;
-  // False with `error` describing why when the URL cannot be canonicalised.
+  // False with `error` describing why when the URL cannot be canonicalised;
+  // `canonical` is then left as it was.
   virtual bool Canonicalize(std::string_view url, std::string& canonical, std::string& error) = 0;
 };
 

@@ -3,6 +3,7 @@
 #include "ProductInfo.h"
 #include "net/PageFetch.h"
 #include "settings/SettingValue.h"
+#include "support/Base64.h"
 #include "support/RoutineError.h"
 #include "support/Version.h"
 
@@ -13,27 +14,6 @@ constexpr std::size_t kMaxResponseChars = 16384;
 
 std::string BlockedBecause(const std::string& reason) {
   return "The page you are trying to visit has been blocked by the " + std::string(product::kFileDescription) + reason;
-}
-
-// The standard Base64 alphabet with "=" padding; characters outside it are
-// skipped, a partial final group yields what it holds.
-std::string DecodeB64(std::string_view text) {
-  static constexpr std::string_view kAlphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-  std::string out;
-  std::uint32_t buffer = 0;
-  int bits = 0;
-  for (char c : text) {
-    if (c == '=') break;
-    const auto value = kAlphabet.find(c);
-    if (value == std::string_view::npos) continue;
-    buffer = (buffer << 6) | static_cast<std::uint32_t>(value);
-    bits += 6;
-    if (bits >= 8) {
-      bits -= 8;
-      out += static_cast<char>((buffer >> bits) & 0xFF);
-    }
-  }
-  return out;
 }
 
 }  // namespace
@@ -182,10 +162,12 @@ void CheckURL::URL_Blocked_Remotely(const std::string& URL, bool& blocked) {
   std::string canonical;
   std::string error;
   if (!ports_.canonicalizer.Canonicalize(URL, canonical, error)) {
-    canonical.clear();
     log.WriteLog("Could not canonicalise URL (" + canonical + "): " + error);
+    canonical.clear();
   }
-  const auto site = rex.Match(canonical, R"(^((?:https?|ftp):\/\/[^\/]+))", "i");
+  // Scheme and host part only: a query or fragment straight after the host
+  // ("http://8.8.8.8?x=1") is no part of the site.
+  const auto site = rex.Match(canonical, R"(^((?:https?|ftp):\/\/[^\/?#\\]+))", "i");
   if (!site || site->empty()) {
     log.DebugLog("URL not supported: " + canonical);
     NoInformation("No information available.");

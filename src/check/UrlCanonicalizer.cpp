@@ -1,18 +1,10 @@
 #include "check/UrlCanonicalizer.h"
 
-#include <cstdio>
-
+#include "support/Hex.h"
 #include "support/Text.h"
 
 namespace tarnwick {
 namespace {
-
-int HexValue(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-  return -1;
-}
 
 bool IsUnsafe(unsigned char c) {
   if (c < 0x20 || c >= 0x7F) return true;
@@ -34,9 +26,8 @@ bool IsUnsafe(unsigned char c) {
 }
 
 void AppendEscaped(std::string& out, unsigned char c) {
-  char text[4];
-  std::snprintf(text, sizeof text, "%%%02X", c);
-  out += text;
+  out += '%';
+  AppendHexByte(out, c, HexLetters::Upper);
 }
 
 // How one part of a URL is written out.
@@ -56,8 +47,8 @@ bool Transcribe(std::string_view part, const PartRules& rules, std::string& out)
   for (std::size_t i = 0; i < part.size(); ++i) {
     auto c = static_cast<unsigned char>(part[i]);
     bool decoded = false;
-    if (c == '%' && i + 2 < part.size() && HexValue(part[i + 1]) >= 0 && HexValue(part[i + 2]) >= 0) {
-      c = static_cast<unsigned char>(HexValue(part[i + 1]) * 16 + HexValue(part[i + 2]));
+    if (const auto escaped = c == '%' && i + 2 < part.size() ? HexByte(part[i + 1], part[i + 2]) : std::nullopt) {
+      c = *escaped;
       i += 2;
       decoded = true;
       if (c == 0) return false;

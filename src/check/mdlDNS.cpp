@@ -31,7 +31,7 @@ std::string mdlDNS::URL2Hostname(std::string_view URL, Rex& rex) {
 
 std::optional<IPv4Bytes> mdlDNS::GetIPAddressBytes(std::string& host) {
   if (!SocketsInit()) return std::nullopt;
-  std::optional<IPv4Bytes> address = resolver_.ParseAddress(host);
+  std::optional<IPv4Bytes> address = ParseIPv4Address(host);
   const bool usable = address && *address != IPv4Bytes{0, 0, 0, 0} && *address != IPv4Bytes{255, 255, 255, 255};
   if (!usable) {
     address.reset();
@@ -54,9 +54,7 @@ std::optional<IPv4Bytes> mdlDNS::GetIPAddressBytes(std::string& host) {
 
 std::string mdlDNS::IPAddressString(std::string host) {
   const auto address = GetIPAddressBytes(host);
-  if (!address) return {};
-  return std::to_string((*address)[0]) + "." + std::to_string((*address)[1]) + "." + std::to_string((*address)[2]) +
-         "." + std::to_string((*address)[3]);
+  return address ? DottedAddress(*address) : std::string();
 }
 
 bool mdlDNS::IsPrivateAddress(const std::optional<IPv4Bytes>& address) {

@@ -1,4 +1,3 @@
-#include <arpa/inet.h>
 #include <netdb.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
@@ -22,13 +21,6 @@ class PosixResolver final : public Resolver {
  public:
   bool Startup() override { return true; }
   bool Cleanup() override { return true; }
-
-  // inet_aton accepts the numeric forms the Windows parser accepts.
-  std::optional<IPv4Bytes> ParseAddress(const std::string& host) override {
-    in_addr address{};
-    if (inet_aton(host.c_str(), &address) == 0) return std::nullopt;
-    return BytesOf(address);
-  }
 
   // libcurl goes through a proxy when one of these is set.
   bool ConnectionUsesProxy() override {

@@ -25,12 +25,6 @@ class WindowsResolver final : public Resolver {
   }
   bool Cleanup() override { return WSACleanup() == 0; }
 
-  std::optional<IPv4Bytes> ParseAddress(const std::string& host) override {
-    const unsigned long address = inet_addr(host.c_str());
-    if (address == INADDR_NONE) return std::nullopt;
-    return BytesOf(address);
-  }
-
   bool ConnectionUsesProxy() override {
     DWORD flags = 0;
     return InternetGetConnectedState(&flags, 0) != FALSE && (flags & INTERNET_CONNECTION_PROXY) != 0;

@@ -3,16 +3,22 @@
 #include <cstdio>
 
 #include "settings/SettingsStore.h"
+#include "support/Hex.h"
 #include "support/Text.h"
 
 namespace tarnwick {
 namespace {
 
-int HexDigit(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-  return -1;
+// A number of one to `maxDigits` hexadecimal digits, or nullopt.
+std::optional<std::uint32_t> ReadHexNumber(std::string_view digits, std::size_t maxDigits) {
+  if (digits.empty() || digits.size() > maxDigits) return std::nullopt;
+  std::uint32_t number = 0;
+  for (char c : digits) {
+    const int digit = HexDigitValue(c);
+    if (digit < 0) return std::nullopt;
+    number = number * 16 + static_cast<std::uint32_t>(digit);
+  }
+  return number;
 }
 
 // Reads a quoted string starting at text[pos] == '"'; leaves pos after the
@@ -38,10 +44,9 @@ std::optional<std::string> ReadQuoted(std::string_view text, std::size_t& pos) {
       case 't': out += '\t'; break;
       case 'x': {
         if (pos + 2 >= text.size()) return std::nullopt;
-        const int high = HexDigit(text[pos + 1]);
-        const int low = HexDigit(text[pos + 2]);
-        if (high < 0 || low < 0) return std::nullopt;
-        out += static_cast<char>(high * 16 + low);
+        const auto byte = HexByte(text[pos + 1], text[pos + 2]);
+        if (!byte) return std::nullopt;
+        out += static_cast<char>(*byte);
         pos += 2;
         break;
       }
@@ -65,9 +70,8 @@ std::string Quote(std::string_view text) {
     } else if (c == '\t') {
       out += "\\t";
     } else if (byte < 0x20 || byte >= 0x7F) {
-      char escaped[5];
-      std::snprintf(escaped, sizeof escaped, "\\x%02x", byte);
-      out += escaped;
+      out += "\\x";
+      AppendHexByte(out, byte, HexLetters::Lower);
     } else {
       out += c;
     }
@@ -80,10 +84,9 @@ std::optional<std::string> ReadHexBytes(std::string_view text) {
   std::size_t pos = 0;
   while (pos < text.size()) {
     if (pos + 2 > text.size()) return std::nullopt;
-    const int high = HexDigit(text[pos]);
-    const int low = HexDigit(text[pos + 1]);
-    if (high < 0 || low < 0) return std::nullopt;
-    out += static_cast<char>(high * 16 + low);
+    const auto byte = HexByte(text[pos], text[pos + 1]);
+    if (!byte) return std::nullopt;
+    out += static_cast<char>(*byte);
     pos += 2;
     if (pos < text.size() && text[pos++] != ',') return std::nullopt;
     if (pos == text.size() && text.back() == ',') return std::nullopt;
@@ -105,16 +108,10 @@ std::optional<RegValue> ParseValueLine(std::string_view line) {
     return value;
   }
   if (rest.starts_with("dword:")) {
-    const std::string_view digits = rest.substr(6);
-    if (digits.empty() || digits.size() > 8) return std::nullopt;
-    std::uint32_t number = 0;
-    for (char c : digits) {
-      const int digit = HexDigit(c);
-      if (digit < 0) return std::nullopt;
-      number = number * 16 + static_cast<std::uint32_t>(digit);
-    }
+    const auto number = ReadHexNumber(rest.substr(6), 8);
+    if (!number) return std::nullopt;
     value.type = kRegDword;
-    for (int i = 0; i < 4; ++i) value.data += static_cast<char>((number >> (8 * i)) & 0xFF);
+    for (int i = 0; i < 4; ++i) value.data += static_cast<char>((*number >> (8 * i)) & 0xFF);
     return value;
   }
   std::string_view bytes;
@@ -123,14 +120,10 @@ std::optional<RegValue> ParseValueLine(std::string_view line) {
     bytes = rest.substr(4);
   } else if (rest.starts_with("hex(")) {
     const auto close = rest.find("):");
-    if (close == std::string_view::npos || close == 4 || close > 12) return std::nullopt;
-    std::uint32_t type = 0;
-    for (char c : rest.substr(4, close - 4)) {
-      const int digit = HexDigit(c);
-      if (digit < 0) return std::nullopt;
-      type = type * 16 + static_cast<std::uint32_t>(digit);
-    }
-    value.type = type;
+    if (close == std::string_view::npos) return std::nullopt;
+    const auto type = ReadHexNumber(rest.substr(4, close - 4), 8);
+    if (!type) return std::nullopt;
+    value.type = *type;
     bytes = rest.substr(close + 2);
   } else {
     return std::nullopt;
@@ -159,9 +152,8 @@ std::string FormatValueLine(const RegValue& value) {
   }
   line += prefix;
   for (std::size_t i = 0; i < value.data.size(); ++i) {
-    char byte[4];
-    std::snprintf(byte, sizeof byte, i == 0 ? "%02x" : ",%02x", static_cast<unsigned char>(value.data[i]));
-    line += byte;
+    if (i > 0) line += ',';
+    AppendHexByte(line, static_cast<unsigned char>(value.data[i]), HexLetters::Lower);
   }
   return line;
 }

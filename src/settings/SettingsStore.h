@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -28,6 +29,7 @@ inline constexpr long kErrorFileNotFound = 2;
 inline constexpr long kErrorAccessDenied = 5;
 inline constexpr long kErrorInvalidData = 13;
 inline constexpr long kErrorMoreData = 234;
+inline constexpr long kErrorRegistryIoFailed = 1016;
 
 class RegistryKey {
  public:
@@ -50,6 +52,10 @@ class SettingsStore {
   virtual long OpenKey(Root root, std::string_view path, Access access, std::unique_ptr<RegistryKey>& key) = 0;
   // Opens the key, creating it (and the keys above it) when missing.
   virtual long CreateKey(Root root, std::string_view path, std::unique_ptr<RegistryKey>& key) = 0;
+  // Where to tell the person, once, that the store's file cannot be read (a
+  // command line prints it); the debug log has it either way. A store
+  // without a file of its own never calls it.
+  virtual void ReportProblemsTo(std::function<void(const std::string&)> /*report*/) {}
 };
 
 // The platform's store; `log` receives its debug lines.

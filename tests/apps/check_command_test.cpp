@@ -79,5 +79,21 @@ TEST_F(CheckCommandTest, AnsweringYesAllowsAndBadFlagsAreErrors) {
   EXPECT_EQ(Check("", "--post-data /nonexistent/file").second, 2);
 }
 
+TEST_F(CheckCommandTest, HostsWrittenAsNumbersAreChecked) {
+  const auto [output, status] = Check(
+      "http://134744072/login\n"
+      "http://0x08080808/login\n"
+      "http://01002004010/\n"
+      "http://8.526344/\n",
+      "--json");
+  for (const char* url :
+       {"http://134744072/login", "http://0x08080808/login", "http://01002004010/", "http://8.526344/"}) {
+    const std::string line = R"({"url":")" + std::string(url) + R"(","checked":true,)";
+    EXPECT_NE(output.find(line), std::string::npos) << line << "\n" << output;
+  }
+  EXPECT_EQ(output.find("Local Intranet"), std::string::npos) << output;
+  EXPECT_EQ(status, 1);
+}
+
 }  // namespace
 }  // namespace tarnwick::testing

@@ -1,5 +1,6 @@
-// Without rights on the machine-wide store (here: its folder does not exist)
-// about:PhishingSite stays unregistered, and nobody is told.
+// Without rights on the machine-wide store (here: its folder does not exist),
+// or without the browser's key in it, about:PhishingSite stays unregistered,
+// and nobody is told.
 #include <gtest/gtest.h>
 
 #include "band/BlockPage.h"
@@ -29,6 +30,14 @@ TEST(AboutURLTest, AMachineStoreThatCannotBeWrittenIsLeftAloneSilently) {
   EXPECT_FALSE(std::filesystem::exists(machine.parent_path()));
   EXPECT_TRUE(ui.shown.empty());
   EXPECT_FALSE(std::filesystem::exists(process.log.LogFilePath()));
+}
+
+TEST(AboutURLTest, TheBrowsersKeyIsNeverCreated) {
+  TestProcess t;
+  RegisterAboutURL(t.process);
+  std::unique_ptr<RegistryKey> key;
+  EXPECT_EQ(t.process.settings->OpenKey(Root::LocalMachine, kAboutURLsKey, Access::Read, key), kErrorFileNotFound);
+  EXPECT_TRUE(t.ui.shown.empty());
 }
 
 }  // namespace

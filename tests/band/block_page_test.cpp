@@ -56,8 +56,9 @@ TEST(BlockPageTest, TheLogoIsAGifBesideThePage) {
 
 TEST(BlockPageTest, RegisterAboutURLPointsAboutPhishingSiteAtThePage) {
   TestProcess t;
-  RegisterAboutURL(t.process);
   std::unique_ptr<RegistryKey> key;
+  ASSERT_EQ(t.process.settings->CreateKey(Root::LocalMachine, kAboutURLsKey, key), kErrorSuccess);  // the browser's
+  RegisterAboutURL(t.process);
   ASSERT_EQ(t.process.settings->OpenKey(Root::LocalMachine, kAboutURLsKey, Access::Read, key), kErrorSuccess);
   SettingValue value;
   ASSERT_EQ(mdlRegistry::ReadValue(*key, "PhishingSite", value), kErrorSuccess);

@@ -1,24 +1,10 @@
 #include "CheckFixture.h"
+#include "support/Base64.h"
 
 namespace tarnwick::testing {
 namespace {
 
 using CheckUrlTest = CheckFixture;
-
-std::string Base64(const std::string& text) {
-  static constexpr char kAlphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-  std::string out;
-  for (std::size_t i = 0; i < text.size(); i += 3) {
-    std::uint32_t group = static_cast<unsigned char>(text[i]) << 16;
-    if (i + 1 < text.size()) group |= static_cast<unsigned char>(text[i + 1]) << 8;
-    if (i + 2 < text.size()) group |= static_cast<unsigned char>(text[i + 2]);
-    out += kAlphabet[group >> 18 & 63];
-    out += kAlphabet[group >> 12 & 63];
-    out += i + 1 < text.size() ? kAlphabet[group >> 6 & 63] : '=';
-    out += i + 2 < text.size() ? kAlphabet[group & 63] : '=';
-  }
-  return out;
-}
 
 TEST_F(CheckUrlTest, TheSchemeFilterIsCaseSensitive) {
   checker.SetLastResponse("kept");
@@ -128,7 +114,7 @@ TEST_F(CheckUrlTest, AServerThatNeverAnswersTimesOutAndNeverBlocks) {
 }
 
 TEST_F(CheckUrlTest, HeaderPatternsMatchTheUrlCaseSensitively) {
-  verdict.patterns = Base64("^http://203\\.0\\.113\\.7/Shared/\tnever-matches");
+  verdict.patterns = EncodeBase64("^http://203\\.0\\.113\\.7/Shared/\tnever-matches");
   EXPECT_TRUE(Navigate("http://203.0.113.7/Shared/copy.html"));
   EXPECT_EQ(checker.GetLastResponse(), "(Blocked) Site information");
   EXPECT_TRUE(Logged("(URL_Blocked_Remotely) Trying pattern 0: ^http://203\\.0\\.113\\.7/Shared/"));

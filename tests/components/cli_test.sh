@@ -10,25 +10,7 @@ trap 'rm -rf "$scratch"' EXIT
 export XDG_CONFIG_HOME=$scratch/config XDG_STATE_HOME=$scratch/state
 export TARNWICK_LOCAL_MACHINE_SETTINGS=$scratch/machine/local-machine.reg TARNWICK_SITE=http://site.example
 unset TARNWICK_PROGRAM_DIR
-passed=0 failed=0
-
-# expect NAME STATUS OUTPUT-PATTERN COMMAND...: the exit status, and a line
-# of standard output and error together that matches the extended regular
-# expression. With "=" before it, the pattern is instead the whole output.
-expect() {
-  local name=$1 status=$2 pattern=$3
-  shift 3
-  local output actual
-  output=$("$@" 2>&1)
-  actual=$?
-  if [ "$actual" -eq "$status" ] &&
-    { [ "${pattern:0:1}" = "=" ] && [ "$output" = "${pattern:1}" ] || grep -qE -- "$pattern" <<<"$output"; }; then
-    passed=$((passed + 1))
-  else
-    failed=$((failed + 1))
-    printf 'FAILED %s: status %s (wanted %s), output:\n%s\n' "$name" "$actual" "$status" "$output"
-  fi
-}
+. "$(dirname "$0")/../common/expect.sh"
 
 expect "test matches" 0 '^True$' "$tarnwick" rex test 'HTTP://Bad.Example/x' '^https?://bad\.example/' i
 expect "test without i" 1 '^False$' "$tarnwick" rex test 'HTTP://Bad.Example/x' '^https?://bad\.example/'
@@ -55,5 +37,4 @@ echo "plain text" >"$scratch/notalibrary.dll"
 expect "register no library" 2 'is no component library' "$tarnwick" components register "$scratch/notalibrary.dll"
 expect "components usage" 2 '^usage: tarnwick components' "$tarnwick" components list
 
-echo "$passed passed, $failed failed"
-[ "$failed" -eq 0 ]
+summary

@@ -6,23 +6,13 @@
 
 #include <algorithm>
 
+#include "support/Base64.h"
+
 namespace tarnwick::server::testing {
 
 std::vector<std::string> DecodePatternHeader(const std::string& header) {
-  static const std::string alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-  std::string bytes;
-  unsigned bits = 0, value = 0;
-  for (const char c : header) {
-    if (c == '=') break;
-    const auto index = alphabet.find(c);
-    EXPECT_NE(index, std::string::npos) << "not Base64: " << header;
-    value = (value << 6) | static_cast<unsigned>(index);
-    bits += 6;
-    if (bits >= 8) {
-      bits -= 8;
-      bytes += static_cast<char>((value >> bits) & 0xFF);
-    }
-  }
+  const std::string bytes = DecodeB64(header);
+  EXPECT_EQ(EncodeBase64(bytes), header) << "not Base64 as the server writes it";
   std::vector<std::string> patterns;
   std::size_t start = 0;
   for (std::size_t tab; (tab = bytes.find('\t', start)) != std::string::npos; start = tab + 1) {

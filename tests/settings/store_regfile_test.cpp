@@ -1,13 +1,16 @@
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <fstream>
 #include <iterator>
 
 #include "common/TestSupport.h"
 #include "settings/mdlRegistry.h"
 #include "settings/store_regfile.h"
+#include "support/SystemCalls.h"
 
 namespace tarnwick {
 namespace {
@@ -56,6 +59,103 @@ TEST_F(RegFileStoreTest, ACorruptFileKeepsItsGoodValuesAndReportsEachBadLineOnce
   const std::string report = "(SettingsStore) Kept unreadable line of " + userFile.string() + ": not a value line";
   ASSERT_NE(logText.find(report), std::string::npos) << logText;
   EXPECT_EQ(logText.find(report), logText.rfind(report));
+}
+
+// A settings file that is there but cannot be read gives the defaults, is
+// reported, and is never written over: a write would replace every value
+// it holds with the one new value.
+struct UnreadableFileTest : RegFileStoreTest {
+  void SetUp() override {
+    std::filesystem::create_directories(userFile.parent_path());
+    mdlRegistry::SaveSetting(*store, kSettingsKey, "BarHeight", std::string("44"), kRegSz);
+  }
+  void TearDown() override { sys::ClearInjectedFailures(); }
+
+  // The defaults come back, a write fails, and the debug log says why.
+  void ExpectDefaultsAndNoWrite(const std::string& reason) {
+    auto fresh = MakeRegFileStore(userFile, machineFile, log);
+    EXPECT_EQ(mdlRegistry::GetSetting(*fresh, kSettingsKey, "BarHeight", 30), SettingValue(30));
+    std::unique_ptr<RegistryKey> key;
+    EXPECT_NE(fresh->CreateKey(Root::CurrentUser, kSettingsKey, key), kErrorSuccess);
+    mdlRegistry::SaveSetting(*fresh, kSettingsKey, "Debug", std::string("1"), kRegSz);
+    EXPECT_FALSE(mdlRegistry::DeleteValue(*fresh, Root::CurrentUser, kSettingsKey, "BarHeight"));
+    const std::string logText = Slurp(log.LogFilePath());
+    const std::string line = "(SettingsStore) Cannot read " + userFile.string() + ": " + reason;
+    EXPECT_NE(logText.find(line), std::string::npos) << logText;
+  }
+};
+
+TEST_F(UnreadableFileTest, ADirectoryInItsPlaceIsLeftAlone) {
+  std::filesystem::remove(userFile);
+  std::filesystem::create_directory(userFile);
+  ExpectDefaultsAndNoWrite("it is a directory");
+  EXPECT_TRUE(std::filesystem::is_empty(userFile));
+}
+
+TEST_F(UnreadableFileTest, ALinkToADeviceIsNeverReadOrWrittenThrough) {
+  std::filesystem::remove(userFile);
+  std::filesystem::create_symlink("/dev/zero", userFile);
+  ExpectDefaultsAndNoWrite("it is not a regular file");
+  EXPECT_EQ(std::filesystem::read_symlink(userFile), "/dev/zero");
+}
+
+TEST_F(UnreadableFileTest, AFileOverOneMebibyteIsRefusedAndKept) {
+  std::string big = Slurp(userFile) + "; " + std::string(kMaxSettingsFileBytes, 'x') + "\n";
+  std::ofstream(userFile, std::ios::binary) << big;
+  ExpectDefaultsAndNoWrite("it is larger than 1 MiB");
+  EXPECT_EQ(Slurp(userFile), big);
+}
+
+TEST_F(UnreadableFileTest, AReadErrorKeepsTheFile) {
+  const std::string before = Slurp(userFile);
+  sys::InjectFailure(sys::Call::Read, EIO, 0, true);
+  ExpectDefaultsAndNoWrite("Input/output error");
+  sys::ClearInjectedFailures();
+  EXPECT_EQ(Slurp(userFile), before);
+  EXPECT_EQ(mdlRegistry::GetSetting(*MakeRegFileStore(userFile, machineFile, log), kSettingsKey, "BarHeight", 30),
+            SettingValue(std::string("44")));
+}
+
+TEST_F(UnreadableFileTest, AFileWithoutReadPermissionKeepsItsValues) {
+  const std::string before = Slurp(userFile);
+  ::chmod(userFile.c_str(), 0200);
+  // Root reads every file: there the system-call table refuses instead.
+  if (::geteuid() == 0) sys::InjectFailure(sys::Call::Open, EACCES, 0, true);
+  ExpectDefaultsAndNoWrite("Permission denied");
+  sys::ClearInjectedFailures();
+  ::chmod(userFile.c_str(), 0600);
+  EXPECT_EQ(Slurp(userFile), before);
+}
+
+TEST_F(UnreadableFileTest, TheProgramGoesOnWithTheDefaults) {
+  std::filesystem::remove(userFile);
+  std::filesystem::create_directory(userFile);
+  testing::ScriptedUi ui;
+  ToolbarOptions options;
+  LoadOptions(*store, ui, 1000, options);
+  EXPECT_EQ(options.BarHeight, 30);
+  EXPECT_TRUE(options.BlockXSS);
+  EXPECT_TRUE(ui.shown.empty());
+  EXPECT_EQ(EnsureGUID(*store).size(), 32u);
+  EXPECT_TRUE(std::filesystem::is_empty(userFile));
+}
+
+// Reading values does not read the file again while it stays as it was; a
+// change another program makes is seen at the next read.
+TEST_F(RegFileStoreTest, TheFileIsReadOnceWhileItDoesNotChange) {
+  mdlRegistry::SaveSetting(*store, kSettingsKey, "BarHeight", std::string("44"), kRegSz);
+  auto reader = MakeRegFileStore(userFile, machineFile, log);
+  sys::ClearInjectedFailures();
+  testing::ScriptedUi ui;
+  ToolbarOptions options;
+  LoadOptions(*reader, ui, 1000, options);
+  LoadOptions(*reader, ui, 1000, options);
+  EXPECT_EQ(options.BarHeight, 44);
+  EXPECT_EQ(sys::CallCount(sys::Call::Open), 1);
+
+  mdlRegistry::SaveSetting(*store, kSettingsKey, "BarHeight", std::string("45"), kRegSz);
+  LoadOptions(*reader, ui, 1000, options);
+  EXPECT_EQ(options.BarHeight, 45);
 }
 
 TEST_F(RegFileStoreTest, LocalMachineKeysCannotBeWrittenWithoutTheSystemFolder) {
