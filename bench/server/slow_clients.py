@@ -6,7 +6,7 @@ Usage: slow_clients.py PORT [--connections 1100] [--interval 5] [--seconds 30]
 
 Each connection starts a request and then sends one more header byte every
 INTERVAL seconds, never finishing it. A connection the server closes is opened
-again at once, so the attack keeps trying to hold every slot. All connections
+again one INTERVAL later, so the attack keeps trying to hold every slot. All connections
 come from SOURCE (any 127.x.y.z address reaches a server on 127.0.0.1), so the
 client that measures the server from 127.0.0.1 is "another client". Stops by
 itself after SECONDS and prints, once a second on standard error and at the end
@@ -39,10 +39,11 @@ def main():
 
     selector = selectors.DefaultSelector()
     sockets = {}  # slot -> (socket, time of its next byte)
-    opened = refused = 0
+    reopen = {}  # slot -> when a closed connection is opened again
+    opened = 0
 
     def open_slot(slot, now):
-        nonlocal opened, refused
+        nonlocal opened
         sock = socket.socket(socket.AF_INET, socket.SOCK_STREAM)
         sock.bind((args.source, 0))
         sock.setblocking(False)
@@ -51,17 +52,18 @@ def main():
         except BlockingIOError:
             pass
         except OSError:
-            refused += 1
             sock.close()
+            reopen[slot] = now + args.interval
             return
         opened += 1
         sockets[slot] = (sock, now)
         selector.register(sock, selectors.EVENT_READ, slot)
 
-    def close_slot(slot):
+    def close_slot(slot, now):
         sock, _ = sockets.pop(slot)
         selector.unregister(sock)
         sock.close()
+        reopen[slot] = now + args.interval
 
     started = time.monotonic()
     last_report = started
@@ -73,8 +75,9 @@ def main():
             break
         for slot in range(args.connections):
             if slot not in sockets:
-                sent_start.discard(slot)
-                open_slot(slot, now)
+                if reopen.get(slot, 0) <= now:
+                    sent_start.discard(slot)
+                    open_slot(slot, now)
                 continue
             sock, due = sockets[slot]
             if now < due:
@@ -87,21 +90,21 @@ def main():
                 pass  # still connecting
             except OSError as error:
                 if error.errno not in (errno.ENOTCONN, errno.EAGAIN):
-                    close_slot(slot)
+                    close_slot(slot, now)
         for key, _ in selector.select(timeout=0.05):
             slot = key.data
             try:
                 if key.fileobj.recv(4096) == b"":
-                    close_slot(slot)
+                    close_slot(slot, now)
             except OSError:
-                close_slot(slot)
+                close_slot(slot, now)
         if now - last_report >= 1.0:
             last_report = now
             held = len(sockets)
             held_samples.append(held)
             print(f"slow clients: {held} open, {opened} opened so far", file=sys.stderr)
     for slot in list(sockets):
-        close_slot(slot)
+        close_slot(slot, now)
     settled = held_samples[len(held_samples) // 2:] or [0]
     print(f"{min(settled)} {max(settled)} {opened}")
 
