@@ -41,7 +41,7 @@ class RunningServer final : public Server {
         pages_(*storage_, risk_.config()),
         verdicts_(live_, observations_, risk_, geoIp_),
         router_(verdicts_, files_, releases_, pages_, address_),
-        front_([this](const HttpRequest& request) { return router_.Handle(request); }) {
+        front_([this](const HttpRequest& request) { return router_.Handle(request); }, report, settings.http) {
     observations_.LoadSeen(*storage_);
     report("index loaded: " + live_.Current()->Describe());
     if (!geoIp_.loaded()) report("no GeoIP database at " + settings.geoIpDatabase.string() + ": countries unknown");

@@ -24,6 +24,7 @@ struct ServerSettings {
   std::filesystem::path dataFolder;
   std::filesystem::path geoIpDatabase = kDefaultGeoIpDatabase;
   std::chrono::milliseconds reloadInterval{1000};
+  HttpLimits http;
 };
 
 class Server {
