@@ -25,8 +25,21 @@ std::size_t PortColon(std::string_view hostAndPort) {
   return hostAndPort.find(':');
 }
 
-bool IsHostCharacter(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '.' || c == '-' || c == '_';
+bool IsLabelCharacter(char c) { return (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '-' || c == '_'; }
+
+// Lower-case host name without a final dot.
+bool IsHostName(std::string_view host) {
+  if (host.empty() || host.size() > kMaxHostBytes) return false;
+  std::size_t label = 0;
+  for (const char c : host) {
+    if (c == '.') {
+      if (label == 0) return false;
+      label = 0;
+    } else if (!IsLabelCharacter(c) || ++label > kMaxLabelBytes) {
+      return false;
+    }
+  }
+  return label > 0;
 }
 
 bool IsIpv6Literal(std::string_view host) {
@@ -43,12 +56,8 @@ std::string HostOfAuthority(std::string_view authority) {
   const auto colon = PortColon(hostAndPort);
   std::string host = LowerAscii(PercentDecode(hostAndPort.substr(0, colon)));
   if (IsIpv6Literal(host)) return host;
-  while (!host.empty() && host.back() == '.') host.pop_back();
-  if (host.empty() || host.front() == '.') return {};
-  for (const char c : host) {
-    if (!IsHostCharacter(c)) return {};
-  }
-  return host;
+  if (!host.empty() && host.back() == '.') host.pop_back();
+  return IsHostName(host) ? host : std::string();
 }
 
 bool HasValidPort(std::string_view authority) {

@@ -8,9 +8,15 @@
 
 namespace tarnwick::server {
 
+// A host name is at most 253 characters (without a final dot), in labels
+// of 1 to 63 characters.
+inline constexpr std::size_t kMaxHostBytes = 253;
+inline constexpr std::size_t kMaxLabelBytes = 63;
+
 // The host of "user@host:port" (the port and user part are optional); ""
-// when the authority holds no valid host: only letters, digits, ".", "-" and
-// "_", or an IPv6 literal in brackets.
+// when the authority holds no valid host: a name within the limits above
+// made of letters, digits, "-" and "_" (which some sites use), or an IPv6
+// literal in brackets.
 std::string HostOfAuthority(std::string_view authority);
 
 // True when the port part of an authority, if any, is 1 to 5 digits up to 65535.

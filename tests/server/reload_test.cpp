@@ -32,7 +32,9 @@ TEST(Reload, SeenHostsAndPhishingAddressesSurviveARestart) {
   server.Start();
   const auto rank = [&](const std::string& path) { return std::stoi(HttpGet(server.Url(path)).Header("X-Risk-Rank")); };
   const int firstAsk = rank("/check_url/http://met.example.net/16843009");
-  HttpGet(server.Url("/check_url/http://evil.example/3405803856"));
+  for (const char* client : {"127.0.0.1", "127.0.0.2", "127.0.0.3"}) {
+    HttpGetFrom(client, server.Url("/check_url/http://evil.example/3405803856"));
+  }
   const int beforeRestart = rank("/check_url/http://other.example.net/3405803856");
 
   server.Start();  // stopping writes what was observed
