@@ -2,6 +2,8 @@
 
 #include <arpa/inet.h>
 
+#include <algorithm>
+
 #include "server/QueryString.h"
 #include "support/Text.h"
 
@@ -72,6 +74,16 @@ bool HasValidPort(std::string_view authority) {
     value = value * 10 + static_cast<unsigned>(c - '0');
   }
   return value <= 65535;
+}
+
+bool IsInternetHost(std::string_view host) {
+  if (IsNumericHost(host)) return true;
+  const auto dot = host.rfind('.');
+  if (dot == std::string_view::npos) return false;
+  const std::string_view topLevel = host.substr(dot + 1);
+  if (topLevel.starts_with("xn--")) return topLevel.size() > 4;
+  return topLevel.size() >= 2 &&
+         std::all_of(topLevel.begin(), topLevel.end(), [](char c) { return c >= 'a' && c <= 'z'; });
 }
 
 bool IsNumericHost(std::string_view host) {

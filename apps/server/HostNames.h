@@ -22,6 +22,12 @@ std::string HostOfAuthority(std::string_view authority);
 // True when the port part of an authority, if any, is 1 to 5 digits up to 65535.
 bool HasValidPort(std::string_view authority);
 
+// A host a phishing feed may name, given as HostOfAuthority returns it: an
+// address literal, or a name of two labels or more whose last (the
+// top-level domain) is two letters or more, or internationalised ("xn--").
+// Random words in a feed ("Home", "v1.2") are not hosts.
+bool IsInternetHost(std::string_view host);
+
 // An address literal: any form the system's address parser accepts (dotted,
 // one decimal number, hexadecimal parts) or an IPv6 literal.
 bool IsNumericHost(std::string_view host);

@@ -19,6 +19,23 @@ void ForEachLine(std::string_view text, const std::function<bool(std::size_t, st
   }
 }
 
+LineRead ReadBoundedLine(std::istream& in, std::string& line, std::size_t maxBytes) {
+  line.clear();
+  std::streambuf& buffer = *in.rdbuf();
+  bool any = false, tooLong = false;
+  for (int c; (c = buffer.sbumpc()) != std::char_traits<char>::eof();) {
+    any = true;
+    if (c == '\n') break;
+    if (line.size() < maxBytes) {
+      line += static_cast<char>(c);
+    } else {
+      tooLong = true;
+    }
+  }
+  if (tooLong) line.clear();
+  return tooLong ? LineRead::TooLong : any ? LineRead::Line : LineRead::End;
+}
+
 std::optional<std::string> ReadTextFile(const std::filesystem::path& file) {
   std::ifstream in(file, std::ios::binary);
   if (!in) return std::nullopt;

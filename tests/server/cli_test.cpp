@@ -192,7 +192,13 @@ TEST_F(CliTest, BadCommandLinesAreErrors) {
       Run({"serve", "--listen", "127.0.0.1:0", "--db", (dir / "no" / "x.db").string(), "--data", dir.path().string()});
   EXPECT_EQ(unwritable.status, 2);
   EXPECT_NE(unwritable.err.find("cannot open"), std::string::npos) << unwritable.err;
-  EXPECT_EQ(Run({"import", "--db", database, "--format", "lines", "--batch", "0", "-"}).status, 2);
+  for (const char* rows : {"0", "1000001", "99999999999999", "1e3"}) {
+    const Outcome absurd = Run({"import", "--db", database, "--format", "lines", "--batch", rows, "-"});
+    EXPECT_EQ(absurd.status, 2) << rows;
+    EXPECT_NE(absurd.err.find("--batch takes a number of rows from 1 to 1000000, not '" + std::string(rows) + "'"),
+              std::string::npos)
+        << absurd.err;
+  }
   EXPECT_EQ(Run({"unknown"}).status, 2);
   EXPECT_EQ(Run({"--help"}).status, 0);
 }
