@@ -38,7 +38,7 @@ class RunningServer final : public Server {
         reloader_(OpenSqliteStorage(settings.database), live_, observations_, settings.reloadInterval, report),
         files_(settings.dataFolder, log_),
         releases_(settings.dataFolder / kReleasesFolder, log_),
-        pages_(*storage_, risk_.config()),
+        pages_(*storage_, risk_.config(), report),
         verdicts_(live_, observations_, risk_, geoIp_),
         router_(verdicts_, files_, releases_, pages_, address_),
         front_([this](const HttpRequest& request) { return router_.Handle(request); }, report, settings.http) {

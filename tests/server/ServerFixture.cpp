@@ -165,12 +165,22 @@ void ServerFixture::Start(std::chrono::milliseconds reloadInterval) {
   settings.reloadInterval = reloadInterval;
   std::string error;
   server_ = Server::Start(
-      settings, [](const std::string&) {}, error);
+      settings,
+      [this](const std::string& line) {
+        std::lock_guard lock(logMutex_);
+        log_.push_back(line);
+      },
+      error);
   ASSERT_NE(server_, nullptr) << error;
   base_ = server_->Address();
 }
 
 void ServerFixture::Stop() { server_.reset(); }
+
+std::vector<std::string> ServerFixture::Log() {
+  std::lock_guard lock(logMutex_);
+  return log_;
+}
 
 unsigned short ServerFixture::Port() const {
   return static_cast<unsigned short>(std::stoi(base_.substr(base_.rfind(':') + 1)));

@@ -6,6 +6,7 @@
 #include <chrono>
 #include <filesystem>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -70,6 +71,8 @@ class ServerFixture {
   void Stop();
 
   std::string Url(const std::string& path) const { return base_ + path; }
+  // The lines the server has logged so far.
+  std::vector<std::string> Log();
   unsigned short Port() const;
   Server& server() { return *server_; }
 
@@ -78,6 +81,8 @@ class ServerFixture {
   std::filesystem::path data = dir / "data";
 
  private:
+  std::mutex logMutex_;
+  std::vector<std::string> log_;
   std::unique_ptr<Server> server_;
   std::string base_;
 };
