@@ -55,6 +55,14 @@ TEST_F(UpdatesTest, OnlyPublishedFilesAreServed) {
         "/updates/%2Fetc%2Fpasswd", "/updates/.hidden", "/updates/server"}) {
     EXPECT_EQ(HttpGet(server.Url(path)).status, 404) << path;
   }
+
+  // A link is not followed, wherever it points.
+  WriteText(server.dir / "secret.txt", "not published");
+  std::filesystem::create_symlink(server.dir / "secret.txt", server.data / "outside.dat");
+  std::filesystem::create_symlink("localblock.dat", server.data / "inside.dat");
+  EXPECT_EQ(HttpGet(server.Url("/updates/outside.dat")).status, 404);
+  EXPECT_EQ(HttpGet(server.Url("/updates/inside.dat")).status, 404);
+  EXPECT_EQ(HttpGet(server.Url("/file_hashes?file0=outside.dat")).body, "");
 }
 
 TEST_F(UpdatesTest, HashesAreWhatTheToolbarComputesInTheOrderAsked) {
