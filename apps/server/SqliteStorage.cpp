@@ -89,11 +89,31 @@ class Statement {
   sqlite3_stmt* statement_ = nullptr;
 };
 
+// "file:PATH?PARAMETERS", the path's "%", "?" and "#" escaped.
+std::string FileUri(const std::filesystem::path& file, std::string_view parameters) {
+  std::string uri = "file:";
+  for (const char c : file.string()) {
+    if (c == '%') {
+      uri += "%25";
+    } else if (c == '?') {
+      uri += "%3f";
+    } else if (c == '#') {
+      uri += "%23";
+    } else {
+      uri += c;
+    }
+  }
+  return uri + "?" + std::string(parameters);
+}
+
 class Connection {
  public:
-  // `flags`: SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, or SQLITE_OPEN_READONLY.
-  Connection(const std::filesystem::path& file, int flags) {
-    const int result = sqlite3_open_v2(file.c_str(), &db_, flags, nullptr);
+  // `flags`: SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, or SQLITE_OPEN_READONLY;
+  // `parameters` ("immutable=1") are passed in a URI file name.
+  Connection(const std::filesystem::path& file, int flags, std::string_view parameters = {}) {
+    const int result = parameters.empty()
+                           ? sqlite3_open_v2(file.c_str(), &db_, flags, nullptr)
+                           : sqlite3_open_v2(FileUri(file, parameters).c_str(), &db_, flags | SQLITE_OPEN_URI, nullptr);
     if (result != SQLITE_OK) {
       const std::string message = db_ != nullptr ? sqlite3_errmsg(db_) : sqlite3_errstr(result);
       sqlite3_close(db_);
@@ -294,14 +314,7 @@ class SqliteStorage final : public Storage {
   std::unique_ptr<Database> database_;
 };
 
-}  // namespace
-
-std::unique_ptr<Storage> OpenSqliteStorage(const std::filesystem::path& file) {
-  return std::make_unique<SqliteStorage>(file);
-}
-
-std::vector<Report> ReadSqliteReports(const std::filesystem::path& file) {
-  const Connection connection(file, SQLITE_OPEN_READONLY);
+std::vector<Report> ReadReports(const Connection& connection) {
   Statement read(connection.get(),
                  "SELECT id, created, kind, url, name, email, reason, user_agent, client_address FROM reports "
                  "ORDER BY id");
@@ -319,6 +332,26 @@ std::vector<Report> ReadSqliteReports(const std::filesystem::path& file) {
     report.clientAddress = read.Text(8);
   }
   return reports;
+}
+
+}  // namespace
+
+std::unique_ptr<Storage> OpenSqliteStorage(const std::filesystem::path& file) {
+  return std::make_unique<SqliteStorage>(file);
+}
+
+std::vector<Report> ReadSqliteReports(const std::filesystem::path& file) {
+  try {
+    return ReadReports(Connection(file, SQLITE_OPEN_READONLY));
+  } catch (const StorageError&) {
+    // Reading in WAL mode needs the -shm file, which a reader without write
+    // access to the folder cannot create. Without a -wal file everything is
+    // in the database file and no server has it open: it can be read as
+    // unchanging.
+    std::error_code error;
+    if (std::filesystem::exists(file.string() + "-wal", error)) throw;
+    return ReadReports(Connection(file, SQLITE_OPEN_READONLY, "immutable=1"));
+  }
 }
 
 }  // namespace tarnwick::server
