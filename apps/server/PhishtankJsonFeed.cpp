@@ -5,8 +5,10 @@
 // each entry turned into a row as soon as it closes, so memory stays bounded
 // whatever the feed holds: only the few fields a row needs are kept, an
 // entry with more than kMaxValuesPerEntry values is rejected whole, and the
-// input is cut off when kMaxBytesPerValue bytes pass without a value (the
-// parser would otherwise gather a string of any length).
+// input is cut off when kMaxBytesUnread bytes pass without a string, number
+// or literal: the parser keeps every byte it reads from the start of the
+// last one (for its messages), so a long string, or a long run of brackets
+// and commas, would otherwise sit in memory whole.
 #include <arpa/inet.h>
 
 #include <iterator>
@@ -19,7 +21,7 @@ namespace tarnwick::server {
 namespace {
 
 constexpr std::size_t kMaxValuesPerEntry = 1000;
-constexpr std::size_t kMaxBytesPerValue = 1 << 20;
+constexpr std::size_t kMaxBytesUnread = 1 << 20;
 constexpr int kMaxDepth = 64;
 
 // The bytes of the feed as the parser asks for them, one at a time, with
@@ -28,7 +30,7 @@ struct FeedInput {
   explicit FeedInput(std::istream& in) : buffer(*in.rdbuf()) {}
 
   bool AtEnd() {
-    if (sinceValue > kMaxBytesPerValue) {
+    if (sinceScalar > kMaxBytesUnread) {
       cutOff = true;
       return true;
     }
@@ -37,12 +39,12 @@ struct FeedInput {
   char Current() { return std::char_traits<char>::to_char_type(buffer.sgetc()); }
   void Advance() {
     if (buffer.sbumpc() == '\n') ++line;
-    ++sinceValue;
+    ++sinceScalar;
   }
 
   std::streambuf& buffer;
   std::size_t line = 1;
-  std::size_t sinceValue = 0;
+  std::size_t sinceScalar = 0;  // bytes since the last string, number or literal began
   bool cutOff = false;
 };
 
@@ -111,7 +113,7 @@ class EntryCollector final : public nlohmann::json_sax<Json> {
   }
 
   bool key(string_t& name) override {
-    input_.sinceValue = 0;
+    input_.sinceScalar = 0;
     if (depth_ == 2) member_ = std::move(name);
     if (depth_ == 4) detailKey_ = std::move(name);
     return true;
@@ -123,7 +125,7 @@ class EntryCollector final : public nlohmann::json_sax<Json> {
   bool end_array() override { return Close(); }
 
   bool parse_error(std::size_t, const std::string&, const nlohmann::detail::exception& error) override {
-    Fail(input_.cutOff ? "more than 1 MiB without a complete value" : Reason(error.what()));
+    Fail(input_.cutOff ? "more than 1 MiB without a string, number or literal" : Reason(error.what()));
     return false;
   }
 
@@ -146,7 +148,6 @@ class EntryCollector final : public nlohmann::json_sax<Json> {
 
   // A value of any kind; false when the parse must stop.
   bool Value() {
-    input_.sinceValue = 0;
     if (depth_ == 0) {
       failure_ = "the feed is not a JSON array";
       return false;
@@ -171,6 +172,7 @@ class EntryCollector final : public nlohmann::json_sax<Json> {
   }
 
   bool Scalar() {
+    input_.sinceScalar = 0;
     if (!Value()) return false;
     if (depth_ == 1) EndEntry();
     return true;
@@ -178,7 +180,6 @@ class EntryCollector final : public nlohmann::json_sax<Json> {
 
   bool Open(bool object) {
     if (depth_ == 0 && !object) {  // the feed's array
-      input_.sinceValue = 0;
       depth_ = 1;
       return true;
     }
@@ -193,7 +194,6 @@ class EntryCollector final : public nlohmann::json_sax<Json> {
   }
 
   bool Close() {
-    input_.sinceValue = 0;
     --depth_;
     if (depth_ == 2) inDetails_ = false;
     if (depth_ == 1) EndEntry();

@@ -108,11 +108,19 @@ TEST_F(ImportTest, HostileJsonIsReadInBoundedMemory) {
   EXPECT_EQ(recorder.rejections, (std::vector<std::string>{"entry 2 (line 1): more than 1000 values"}));
   EXPECT_EQ(Stored().sites, (std::set<std::string>{"a.example", "c.example"}));
 
-  // A value the parser would have to gather whole, and nesting without end.
+  // A value the parser would have to gather whole, a run of structure it
+  // would keep, and nesting without end.
   Import(FeedFormat::PhishtankJson, R"([{"url":"http://)" + std::string(2 << 20, 'x'));
   EXPECT_EQ(recorder.rejections,
-            (std::vector<std::string>{"entry 1: malformed JSON at line 1: more than 1 MiB without a complete value; "
-                                      "the rest is not read"}));
+            (std::vector<std::string>{
+                "entry 1: malformed JSON at line 1: more than 1 MiB without a string, number or literal; "
+                "the rest is not read"}));
+  std::string structure = R"([{"url":"http://a.example/","details":[)";
+  for (int i = 0; i < 400000; ++i) structure += "{},";
+  Import(FeedFormat::PhishtankJson, structure + "{}]}]");
+  EXPECT_EQ(recorder.rejections,
+            (std::vector<std::string>{"entry 1: malformed JSON at line 1: more than 1 MiB without a string, number or "
+                                      "literal; the rest is not read"}));
   Import(FeedFormat::PhishtankJson, "[" + std::string(100000, '['));
   EXPECT_EQ(recorder.rejections,
             (std::vector<std::string>{"entry 1: malformed JSON at line 1: nested deeper than 64 levels; the rest "
