@@ -1,6 +1,7 @@
 #include "server/TextLines.h"
 
 #include <fstream>
+#include <limits>
 #include <sstream>
 
 namespace tarnwick::server {
@@ -20,20 +21,20 @@ void ForEachLine(std::string_view text, const std::function<bool(std::size_t, st
 }
 
 LineRead ReadBoundedLine(std::istream& in, std::string& line, std::size_t maxBytes) {
-  line.clear();
-  std::streambuf& buffer = *in.rdbuf();
-  bool any = false, tooLong = false;
-  for (int c; (c = buffer.sbumpc()) != std::char_traits<char>::eof();) {
-    any = true;
-    if (c == '\n') break;
-    if (line.size() < maxBytes) {
-      line += static_cast<char>(c);
-    } else {
-      tooLong = true;
-    }
+  // istream::getline stores at most size - 1 characters and fails when
+  // more come before the LF.
+  line.resize(maxBytes + 1);
+  in.getline(line.data(), static_cast<std::streamsize>(line.size()));
+  const auto extracted = static_cast<std::size_t>(in.gcount());
+  if (in.fail() && !in.eof()) {
+    in.clear();
+    in.ignore(std::numeric_limits<std::streamsize>::max(), '\n');
+    line.clear();
+    return LineRead::TooLong;
   }
-  if (tooLong) line.clear();
-  return tooLong ? LineRead::TooLong : any ? LineRead::Line : LineRead::End;
+  // The LF is counted as extracted but not stored; the last line may lack it.
+  line.resize(in.eof() ? extracted : extracted - 1);
+  return extracted == 0 && in.eof() ? LineRead::End : LineRead::Line;
 }
 
 std::optional<std::string> ReadTextFile(const std::filesystem::path& file) {

@@ -136,13 +136,15 @@ TEST_F(ImportTest, TextAfterTheJsonArrayIsAnError) {
 
 TEST_F(ImportTest, LongLinesAndWordsThatAreNoHostsAreRejected) {
   Import(FeedFormat::Lines, "Home\nv1.2\n404\n-----\ne.g.\nlocalhost\nhttp://intranet/login\n" +
-                                std::string(100000, 'a') + "\nwhole.example\n192.0.2.7\n");
+                                std::string(100000, 'a') + "\n" + std::string(8192, 'a') + "\n" +
+                                std::string(8193, 'a') + "\nwhole.example\n192.0.2.7");
   EXPECT_EQ(recorder.rejections,
             (std::vector<std::string>{
                 "line 1: 'home' is not an Internet host name", "line 2: 'v1.2' is not an Internet host name",
                 "line 4: '-----' is not an Internet host name", "line 5: 'e.g' is not an Internet host name",
                 "line 6: 'localhost' is not an Internet host name", "line 7: 'intranet' is not an Internet host name",
-                "line 8: a line longer than 8192 bytes"}));
+                "line 8: a line longer than 8192 bytes", "line 9: URL longer than 2048 characters",
+                "line 10: a line longer than 8192 bytes"}));
   EXPECT_EQ(Stored().sites, (std::set<std::string>{"whole.example", "192.0.2.7", "404"}));
 }
 
@@ -160,8 +162,10 @@ TEST_F(ImportTest, UrlListsAndUrlhausCsv) {
          "# id,dateadded,url,url_status,last_online,threat,tags,urlhaus_link,reporter\n"
          "\"1\",\"2026-01-01 00:00:00\",\"http://h.example/bin.exe\",\"online\",\"\",\"malware_download\","
          "\"exe\",\"https://urlhaus.abuse.ch/url/1/\",\"x\"\n"
-         "\"2\",\"2026-01-01 00:00:00\",\"http://i.example/bin.exe\"\n");
-  EXPECT_EQ(recorder.rejections, (std::vector<std::string>{"line 3: expected 9 columns, found 3"}));
+         "\"2\",\"2026-01-01 00:00:00\",\"http://i.example/bin.exe\"\n" +
+             std::string(70000, ',') + "\n");
+  EXPECT_EQ(recorder.rejections, (std::vector<std::string>{"line 3: expected 9 columns, found 3",
+                                                           "line 4: a line longer than 65536 bytes"}));
 
   const Contents stored = Stored();
   EXPECT_EQ(stored.sites, (std::set<std::string>{"whole.example", "e_e.example"}));
