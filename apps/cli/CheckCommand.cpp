@@ -10,6 +10,7 @@
 #include "band/Components.h"
 #include "band/StartUp.h"
 #include "check/CheckURL.h"
+#include "support/TerminalText.h"
 #include "support/Text.h"
 
 namespace tarnwick::cli {
@@ -35,9 +36,10 @@ void PrintOutcome(const std::string& url, const CheckURL& checker, std::int16_t 
     std::cout << line.dump() << '\n';
     return;
   }
-  std::cout << AnsiToUtf8(url) << "\n  " << (outcome.blocked ? "blocked" : "allowed") << ", "
+  // The URL and above all the server's text may hold anything: escaped.
+  std::cout << TerminalText(url) << "\n  " << (outcome.blocked ? "blocked" : "allowed") << ", "
             << (outcome.checked ? "checked" : "not checked") << ", step: " << (step != nullptr ? step : "none")
-            << ", risk rank: " << rank << "\n  response: " << AnsiToUtf8(checker.GetLastResponse()) << '\n';
+            << ", risk rank: " << rank << "\n  response: " << TerminalText(checker.GetLastResponse()) << '\n';
 }
 
 }  // namespace

@@ -1,17 +1,25 @@
 #include "server/Csv.h"
 
+#include "server/TextLines.h"
+
 namespace tarnwick::server {
 
-bool CsvReader::Next(std::vector<std::string>& fields, std::size_t& line, bool& broken) {
+bool CsvReader::Next(std::vector<std::string>& fields, std::size_t& line, std::string& broken) {
   std::string text;
+  LineRead read;
   do {
-    if (!std::getline(in_, text)) return false;
+    read = ReadBoundedLine(in_, text, kMaxRecordBytes);
+    if (read == LineRead::End) return false;
     ++lineNumber_;
     if (lineNumber_ == 1 && text.starts_with("\xEF\xBB\xBF")) text.erase(0, 3);
-  } while (text.empty() || text == "\r" || (hashComments_ && text.front() == '#'));
+  } while (read == LineRead::Line && (text.empty() || text == "\r" || (hashComments_ && text.front() == '#')));
   line = lineNumber_;
   fields.assign(1, std::string());
-  broken = false;
+  broken.clear();
+  if (read == LineRead::TooLong) {
+    broken = "a line longer than " + std::to_string(kMaxRecordBytes) + " bytes";
+    return true;
+  }
   bool quoted = false;
   std::size_t recordBytes = 0;
   while (true) {
@@ -37,11 +45,13 @@ bool CsvReader::Next(std::vector<std::string>& fields, std::size_t& line, bool& 
     }
     recordBytes += text.size() + 1;
     if (!quoted) return true;
-    if (recordBytes > kMaxRecordBytes || !std::getline(in_, text)) {
-      broken = true;
+    const LineRead next =
+        recordBytes < kMaxRecordBytes ? ReadBoundedLine(in_, text, kMaxRecordBytes - recordBytes) : LineRead::End;
+    if (next != LineRead::End) ++lineNumber_;
+    if (next != LineRead::Line) {
+      broken = "a quoted field is not closed";
       return true;
     }
-    ++lineNumber_;
     fields.back() += '\n';
   }
 }

@@ -15,10 +15,11 @@ class CsvReader {
   CsvReader(std::istream& in, bool hashComments) : in_(in), hashComments_(hashComments) {}
 
   // The next record; false at the end of the input. `line` is the line the
-  // record starts on. `broken` says the record is unusable: a quote left
-  // open (the record then ends at the end of the input or after
-  // kMaxRecordBytes, and reading goes on from there).
-  bool Next(std::vector<std::string>& fields, std::size_t& line, bool& broken);
+  // record starts on. `broken` says why the record is unusable, or is empty:
+  // a quote left open (the record then ends at the end of the input or
+  // after kMaxRecordBytes, and reading goes on from there), or a line
+  // longer than kMaxRecordBytes (skipped to its end).
+  bool Next(std::vector<std::string>& fields, std::size_t& line, std::string& broken);
 
   static constexpr std::size_t kMaxRecordBytes = 65536;
 

@@ -32,7 +32,8 @@ std::optional<std::pair<std::filesystem::path, DataFiles::Stamp>> DataFiles::Pub
   if (!IsPlainFileName(name)) return std::nullopt;
   std::filesystem::path path = folder_ / std::string(name);
   std::error_code error;
-  if (!std::filesystem::is_regular_file(path, error)) return std::nullopt;
+  // Not through a symbolic link, which could lead anywhere outside the folder.
+  if (!std::filesystem::is_regular_file(std::filesystem::symlink_status(path, error))) return std::nullopt;
   const auto modified = std::filesystem::last_write_time(path, error);
   const auto size = std::filesystem::file_size(path, error);
   if (error) return std::nullopt;

@@ -27,7 +27,8 @@ class DataFiles {
 
   // GET /updates/<name>: the file with Last-Modified; 304 when
   // `ifModifiedSince` is at or after the file's time; 404 for a name that is
-  // not a published file (including "..", slashes and hidden files).
+  // not a published file: a regular file at the top of the folder, not a
+  // symbolic link, not hidden (so no "..", no slashes).
   // <name>.sig: the signature of what <name> serves.
   HttpResponse Update(std::string_view encodedName, std::string_view ifModifiedSince) const;
   // GET /file_hashes?file0=NAME&file1=NAME...: "NAME=HASH" CR LF for each

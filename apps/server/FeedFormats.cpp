@@ -1,6 +1,8 @@
 #include "server/FeedFormats.h"
 
 #include <array>
+#include <istream>
+#include <streambuf>
 #include <utility>
 
 namespace tarnwick::server {
@@ -13,6 +15,15 @@ constexpr std::array<std::pair<std::string_view, FeedFormat>, 5> kFormats = {{
     {"urlhaus-csv", FeedFormat::UrlhausCsv},
     {"lines", FeedFormat::Lines},
 }};
+
+// A read-only stream buffer over bytes in memory, without a copy.
+class MemoryBuffer final : public std::streambuf {
+ public:
+  explicit MemoryBuffer(std::string_view bytes) {
+    char* start = const_cast<char*>(bytes.data());
+    setg(start, start, start + bytes.size());
+  }
+};
 
 }  // namespace
 
@@ -38,6 +49,12 @@ void ReadFeed(FeedFormat format, std::istream& in, FeedSink& sink) {
     case FeedFormat::UrlhausCsv: ReadUrlhausCsv(in, sink); break;
     case FeedFormat::Lines: ReadUrlList(in, true, sink); break;
   }
+}
+
+void ReadFeed(FeedFormat format, std::string_view bytes, FeedSink& sink) {
+  MemoryBuffer buffer(bytes);
+  std::istream in(&buffer);
+  ReadFeed(format, in, sink);
 }
 
 }  // namespace tarnwick::server

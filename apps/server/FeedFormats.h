@@ -28,6 +28,9 @@ enum class FeedFormat { PhishtankCsv, PhishtankJson, OpenPhish, UrlhausCsv, Line
 std::optional<FeedFormat> FeedFormatNamed(std::string_view name);
 std::string_view FeedFormatName(FeedFormat format);
 
+// At most this many hosting addresses are kept for one row.
+inline constexpr std::size_t kMaxAddressesPerRow = 16;
+
 struct FeedRow {
   std::string where;  // "line 12", "entry 3 (line 40)": for messages
   std::string url;
@@ -42,9 +45,12 @@ class FeedSink {
   virtual void Reject(const std::string& where, const std::string& reason) = 0;
 };
 
-// Reads the whole feed into `sink`. Input that ends the reading early (a
-// header that names no url column, JSON that breaks off) is rejected too.
+// Reads the whole feed into `sink`, in memory bounded whatever the feed
+// holds. Input that ends the reading early (a header that names no url
+// column, JSON that breaks off or goes on after its array) is rejected too.
 void ReadFeed(FeedFormat format, std::istream& in, FeedSink& sink);
+// The same over a feed in memory.
+void ReadFeed(FeedFormat format, std::string_view bytes, FeedSink& sink);
 
 // The readers behind ReadFeed.
 void ReadUrlList(std::istream& in, bool ourOwnList, FeedSink& sink);

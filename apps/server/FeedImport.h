@@ -27,10 +27,17 @@ class ImportProgress {
   virtual void Rejected(const std::string& where, const std::string& reason) = 0;
 };
 
+// A batch is committed when it holds batchRows rows or kMaxBatchBytes of
+// them, whichever comes first, so its memory is bounded whatever the rows.
+inline constexpr std::size_t kMaxBatchRows = 1'000'000;
+inline constexpr std::size_t kMaxBatchBytes = 64 << 20;
+// The brand a feed names is cut to this length.
+inline constexpr std::size_t kMaxTargetBytes = 200;
+
 struct ImportOptions {
   FeedFormat format = FeedFormat::Lines;
-  bool wholeSites = false;  // every listed host is a phishing site as a whole
-  std::size_t batchRows = 50000;
+  bool wholeSites = false;        // every listed host is a phishing site as a whole
+  std::size_t batchRows = 50000;  // 1 to kMaxBatchRows
 };
 
 // Throws StorageError when a batch cannot be committed; the batches

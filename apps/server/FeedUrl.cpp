@@ -41,6 +41,10 @@ std::optional<SiteUrl> ParseFeedUrl(std::string_view url, std::string& reason) {
     reason = "no valid host name";
     return std::nullopt;
   }
+  if (!IsInternetHost(site.host)) {
+    reason = "'" + site.host + "' is not an Internet host name";
+    return std::nullopt;
+  }
   if (!HasValidPort(authority)) {
     reason = "bad port";
     return std::nullopt;

@@ -2,6 +2,8 @@
 
 #include <arpa/inet.h>
 
+#include <algorithm>
+
 #include "server/QueryString.h"
 #include "support/Text.h"
 
@@ -25,8 +27,21 @@ std::size_t PortColon(std::string_view hostAndPort) {
   return hostAndPort.find(':');
 }
 
-bool IsHostCharacter(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '.' || c == '-' || c == '_';
+bool IsLabelCharacter(char c) { return (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '-' || c == '_'; }
+
+// Lower-case host name without a final dot.
+bool IsHostName(std::string_view host) {
+  if (host.empty() || host.size() > kMaxHostBytes) return false;
+  std::size_t label = 0;
+  for (const char c : host) {
+    if (c == '.') {
+      if (label == 0) return false;
+      label = 0;
+    } else if (!IsLabelCharacter(c) || ++label > kMaxLabelBytes) {
+      return false;
+    }
+  }
+  return label > 0;
 }
 
 bool IsIpv6Literal(std::string_view host) {
@@ -43,12 +58,8 @@ std::string HostOfAuthority(std::string_view authority) {
   const auto colon = PortColon(hostAndPort);
   std::string host = LowerAscii(PercentDecode(hostAndPort.substr(0, colon)));
   if (IsIpv6Literal(host)) return host;
-  while (!host.empty() && host.back() == '.') host.pop_back();
-  if (host.empty() || host.front() == '.') return {};
-  for (const char c : host) {
-    if (!IsHostCharacter(c)) return {};
-  }
-  return host;
+  if (!host.empty() && host.back() == '.') host.pop_back();
+  return IsHostName(host) ? host : std::string();
 }
 
 bool HasValidPort(std::string_view authority) {
@@ -63,6 +74,16 @@ bool HasValidPort(std::string_view authority) {
     value = value * 10 + static_cast<unsigned>(c - '0');
   }
   return value <= 65535;
+}
+
+bool IsInternetHost(std::string_view host) {
+  if (IsNumericHost(host)) return true;
+  const auto dot = host.rfind('.');
+  if (dot == std::string_view::npos) return false;
+  const std::string_view topLevel = host.substr(dot + 1);
+  if (topLevel.starts_with("xn--")) return topLevel.size() > 4;
+  return topLevel.size() >= 2 &&
+         std::all_of(topLevel.begin(), topLevel.end(), [](char c) { return c >= 'a' && c <= 'z'; });
 }
 
 bool IsNumericHost(std::string_view host) {

@@ -8,13 +8,25 @@
 
 namespace tarnwick::server {
 
+// A host name is at most 253 characters (without a final dot), in labels
+// of 1 to 63 characters.
+inline constexpr std::size_t kMaxHostBytes = 253;
+inline constexpr std::size_t kMaxLabelBytes = 63;
+
 // The host of "user@host:port" (the port and user part are optional); ""
-// when the authority holds no valid host: only letters, digits, ".", "-" and
-// "_", or an IPv6 literal in brackets.
+// when the authority holds no valid host: a name within the limits above
+// made of letters, digits, "-" and "_" (which some sites use), or an IPv6
+// literal in brackets.
 std::string HostOfAuthority(std::string_view authority);
 
 // True when the port part of an authority, if any, is 1 to 5 digits up to 65535.
 bool HasValidPort(std::string_view authority);
+
+// A host a phishing feed may name, given as HostOfAuthority returns it: an
+// address literal, or a name of two labels or more whose last (the
+// top-level domain) is two letters or more, or internationalised ("xn--").
+// Random words in a feed ("Home", "v1.2") are not hosts.
+bool IsInternetHost(std::string_view host);
 
 // An address literal: any form the system's address parser accepts (dotted,
 // one decimal number, hexadecimal parts) or an IPv6 literal.

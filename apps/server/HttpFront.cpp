@@ -6,16 +6,20 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <charconv>
 #include <cstring>
+
+#include "support/Text.h"
 
 namespace tarnwick::server {
 namespace {
 
 // What one request accumulates between the library's calls.
 struct Exchange {
-  std::string target;  // raw, as on the request line
+  std::string target;                // raw, as on the request line, up to a NUL byte if it holds one
+  const char* lineTarget = nullptr;  // where the library keeps it in its copy of the request line
   std::string body;
   bool started = false;
   bool bodyTooLarge = false;
@@ -23,15 +27,41 @@ struct Exchange {
 
 std::string Describe(int error) { return std::strerror(error); }
 
-void* OnRequestLine(void*, const char* uri, MHD_Connection*) {
-  auto* exchange = new Exchange;
-  exchange->target = uri != nullptr ? uri : "";
-  return exchange;
+RequestDeadlines::Connection* DeadlineOf(MHD_Connection* connection) {
+  const MHD_ConnectionInfo* info = MHD_get_connection_info(connection, MHD_CONNECTION_INFO_SOCKET_CONTEXT);
+  return info != nullptr ? static_cast<RequestDeadlines::Connection*>(info->socket_context) : nullptr;
 }
 
-void OnCompleted(void*, MHD_Connection*, void** state, MHD_RequestTerminationCode) {
+void OnConnection(void* context, MHD_Connection* connection, void** socketContext,
+                  MHD_ConnectionNotificationCode code) {
+  auto& deadlines = static_cast<HttpFront*>(context)->deadlines();
+  if (code == MHD_CONNECTION_NOTIFY_CLOSED) {
+    if (*socketContext != nullptr) deadlines.Closed(static_cast<RequestDeadlines::Connection*>(*socketContext));
+    return;
+  }
+  const MHD_ConnectionInfo* info = MHD_get_connection_info(connection, MHD_CONNECTION_INFO_CONNECTION_FD);
+  try {
+    if (info != nullptr) *socketContext = deadlines.Opened(info->connect_fd);
+  } catch (const std::bad_alloc&) {
+    *socketContext = nullptr;  // served without a deadline rather than not at all
+  }
+}
+
+void* OnRequestLine(void*, const char* uri, MHD_Connection*) {
+  try {
+    auto* exchange = new Exchange;
+    exchange->target = uri != nullptr ? uri : "";
+    exchange->lineTarget = uri;
+    return exchange;
+  } catch (const std::bad_alloc&) {
+    return nullptr;  // OnRequest then drops the connection
+  }
+}
+
+void OnCompleted(void* context, MHD_Connection* connection, void** state, MHD_RequestTerminationCode) {
   delete static_cast<Exchange*>(*state);
   *state = nullptr;
+  if (auto* deadline = DeadlineOf(connection)) static_cast<HttpFront*>(context)->deadlines().Answered(deadline);
 }
 
 MHD_Result Send(MHD_Connection* connection, const HttpResponse& answer) {
@@ -45,9 +75,32 @@ MHD_Result Send(MHD_Connection* connection, const HttpResponse& answer) {
   return queued;
 }
 
+// An answer after which nothing more is read from the connection: what
+// follows a request we could not frame cannot be trusted to be a request.
+MHD_Result Refuse(MHD_Connection* connection, int status, std::string_view detail) {
+  HttpResponse answer = ErrorResponse(status, detail);
+  answer.headers.emplace_back(MHD_HTTP_HEADER_CONNECTION, "close");
+  return Send(connection, answer);
+}
+
 MHD_Result CollectHeader(void* list, MHD_ValueKind, const char* key, const char* value) {
   static_cast<HeaderList*>(list)->emplace_back(key, value != nullptr ? value : "");
   return MHD_YES;
+}
+
+const char* HeaderValue(MHD_Connection* connection, const char* name) {
+  return MHD_lookup_connection_value(connection, MHD_HEADER_KIND, name);
+}
+
+MHD_Result CountContentLength(void* count, MHD_ValueKind, const char* key, const char*) {
+  if (EqualsIgnoreCase(key, MHD_HTTP_HEADER_CONTENT_LENGTH)) ++*static_cast<int*>(count);
+  return MHD_YES;
+}
+
+int ContentLengthHeaders(MHD_Connection* connection) {
+  int count = 0;
+  MHD_get_connection_values(connection, MHD_HEADER_KIND, CountContentLength, &count);
+  return count;
 }
 
 std::string ClientAddress(MHD_Connection* connection) {
@@ -64,22 +117,61 @@ std::string ClientAddress(MHD_Connection* connection) {
 }
 
 bool BodyDeclaredTooLarge(MHD_Connection* connection, std::size_t limit) {
-  const char* length = MHD_lookup_connection_value(connection, MHD_HEADER_KIND, MHD_HTTP_HEADER_CONTENT_LENGTH);
+  const char* length = HeaderValue(connection, MHD_HTTP_HEADER_CONTENT_LENGTH);
   if (length == nullptr) return false;
   std::size_t bytes = 0;
   const auto [end, error] = std::from_chars(length, length + std::strlen(length), bytes);
   return error != std::errc() || bytes > limit;
 }
 
-MHD_Result OnRequest(void* context, MHD_Connection* connection, const char*, const char* method, const char*,
-                     const char* uploadData, std::size_t* uploadSize, void** state) {
-  const auto& front = *static_cast<const HttpFront*>(context);
-  auto& exchange = *static_cast<Exchange*>(*state);
+// The library hands the target over as a C string, so a NUL byte in it
+// would cut it short unseen. In its copy of the request line the HTTP
+// version follows the whole target and one space; a gap between the end of
+// the string and the version means the target held a NUL.
+bool TargetHasNul(const Exchange& exchange, const char* version) {
+  if (exchange.lineTarget == nullptr || version == nullptr) return false;
+  const auto start = reinterpret_cast<std::uintptr_t>(exchange.lineTarget);
+  const auto next = reinterpret_cast<std::uintptr_t>(version);
+  if (next <= start || next - start > 65536) return false;  // not in the same line: nothing to compare
+  return next - start - 1 != exchange.target.size();
+}
+
+bool HasControlOrSpace(std::string_view text) {
+  return std::any_of(text.begin(), text.end(), [](char c) {
+    const auto byte = static_cast<unsigned char>(c);
+    return byte <= 0x20 || byte == 0x7F;
+  });
+}
+
+// The answer to a request that must not reach a handler, or nothing.
+std::optional<MHD_Result> RefuseUnframed(const HttpFront& front, MHD_Connection* connection, const Exchange& exchange,
+                                         const char* version) {
+  if (exchange.target.size() > front.limits().maxTargetBytes) return Refuse(connection, 414, {});
+  if (TargetHasNul(exchange, version) || HasControlOrSpace(exchange.target)) {
+    return Refuse(connection, 400, "the request target holds control characters or spaces");
+  }
+  if (version != nullptr && std::string_view(version) == MHD_HTTP_VERSION_1_1 &&
+      HeaderValue(connection, MHD_HTTP_HEADER_HOST) == nullptr) {
+    return Refuse(connection, 400, "an HTTP/1.1 request needs a Host header");
+  }
+  // A body whose length two headers state can be read two ways, one of
+  // which may see a second request in it.
+  const int lengths = ContentLengthHeaders(connection);
+  if (lengths > 1) return Refuse(connection, 400, "more than one Content-Length");
+  if (const char* coding = HeaderValue(connection, MHD_HTTP_HEADER_TRANSFER_ENCODING)) {
+    if (lengths > 0) return Refuse(connection, 400, "both Content-Length and Transfer-Encoding");
+    if (!EqualsIgnoreCase(coding, "chunked")) return Refuse(connection, 501, "only the chunked transfer coding");
+  }
+  if (BodyDeclaredTooLarge(connection, front.limits().maxBodyBytes)) return Refuse(connection, 413, {});
+  return std::nullopt;
+}
+
+MHD_Result Advance(HttpFront& front, MHD_Connection* connection, const char* method, const char* version,
+                   const char* uploadData, std::size_t* uploadSize, Exchange& exchange) {
   if (!exchange.started) {
     // The first call comes once the headers are in; the body, if any, follows.
     exchange.started = true;
-    if (exchange.target.size() > front.limits().maxTargetBytes) return Send(connection, ErrorResponse(414));
-    if (BodyDeclaredTooLarge(connection, front.limits().maxBodyBytes)) return Send(connection, ErrorResponse(413));
+    if (auto refused = RefuseUnframed(front, connection, exchange, version)) return *refused;
     return MHD_YES;
   }
   if (*uploadSize != 0) {
@@ -90,7 +182,8 @@ MHD_Result OnRequest(void* context, MHD_Connection* connection, const char*, con
     *uploadSize = 0;
     return MHD_YES;
   }
-  if (exchange.bodyTooLarge) return Send(connection, ErrorResponse(413));
+  if (auto* deadline = DeadlineOf(connection)) front.deadlines().Answering(deadline);
+  if (exchange.bodyTooLarge) return Refuse(connection, 413, {});
 
   HttpRequest request;
   request.method = method;
@@ -101,6 +194,17 @@ MHD_Result OnRequest(void* context, MHD_Connection* connection, const char*, con
   request.body = std::move(exchange.body);
   request.clientAddress = ClientAddress(connection);
   return Send(connection, front.Dispatch(request));
+}
+
+MHD_Result OnRequest(void* context, MHD_Connection* connection, const char*, const char* method, const char* version,
+                     const char* uploadData, std::size_t* uploadSize, void** state) {
+  auto* exchange = static_cast<Exchange*>(*state);
+  if (exchange == nullptr) return MHD_NO;
+  try {
+    return Advance(*static_cast<HttpFront*>(context), connection, method, version, uploadData, uploadSize, *exchange);
+  } catch (...) {
+    return MHD_NO;  // out of memory even for an error answer: the library closes the connection
+  }
 }
 
 // A bound, listening socket, or -1 with `error` set.
@@ -168,7 +272,8 @@ std::string BaseAddress(const ListenAddress& address) {
   return "http://" + (v6 ? "[" + address.host + "]" : address.host) + ":" + std::to_string(address.port);
 }
 
-HttpFront::HttpFront(HttpHandler handler, HttpLimits limits) : handler_(std::move(handler)), limits_(limits) {}
+HttpFront::HttpFront(HttpHandler handler, Reporter report, HttpLimits limits)
+    : handler_(std::move(handler)), report_(std::move(report)), limits_(limits) {}
 
 HttpFront::~HttpFront() { Stop(); }
 
@@ -186,11 +291,16 @@ bool HttpFront::Serve(std::string& error) {
   // event loop, which keeps the slowest answers fast (see bench/server).
   const unsigned flags =
       MHD_USE_THREAD_PER_CONNECTION | MHD_USE_INTERNAL_POLLING_THREAD | MHD_USE_POLL | (v6_ ? MHD_USE_IPv6 : 0);
-  daemon_ = MHD_start_daemon(
-      flags, 0, nullptr, nullptr, &OnRequest, this, MHD_OPTION_LISTEN_SOCKET, socket_, MHD_OPTION_URI_LOG_CALLBACK,
-      &OnRequestLine, nullptr, MHD_OPTION_NOTIFY_COMPLETED, &OnCompleted, nullptr, MHD_OPTION_CONNECTION_MEMORY_LIMIT,
-      limits_.connectionMemoryBytes, MHD_OPTION_CONNECTION_TIMEOUT, limits_.connectionTimeoutSeconds,
-      MHD_OPTION_CONNECTION_LIMIT, limits_.maxConnections, MHD_OPTION_STRICT_FOR_CLIENT, 1, MHD_OPTION_END);
+  deadlines_ = std::make_unique<RequestDeadlines>(limits_.requestTime);
+  // Strictness 0: the library's own answer to a missing Host header repeats
+  // its header block, so RefuseUnframed answers that case instead.
+  daemon_ =
+      MHD_start_daemon(flags, 0, nullptr, nullptr, &OnRequest, this, MHD_OPTION_LISTEN_SOCKET, socket_,
+                       MHD_OPTION_URI_LOG_CALLBACK, &OnRequestLine, nullptr, MHD_OPTION_NOTIFY_COMPLETED, &OnCompleted,
+                       this, MHD_OPTION_NOTIFY_CONNECTION, &OnConnection, this, MHD_OPTION_CONNECTION_MEMORY_LIMIT,
+                       limits_.connectionMemoryBytes, MHD_OPTION_CONNECTION_TIMEOUT, limits_.answerTimeoutSeconds,
+                       MHD_OPTION_CONNECTION_LIMIT, limits_.maxConnections, MHD_OPTION_PER_IP_CONNECTION_LIMIT,
+                       limits_.maxConnectionsPerAddress, MHD_OPTION_STRICT_FOR_CLIENT, 0, MHD_OPTION_END);
   if (daemon_ == nullptr) {
     error = "the HTTP library could not start on port " + std::to_string(port_);
     return false;
@@ -204,6 +314,18 @@ void HttpFront::Stop() {
   socket_ = -1;
   if (daemon_ != nullptr) MHD_stop_daemon(daemon_);
   daemon_ = nullptr;
+  deadlines_.reset();
+}
+
+HttpResponse HttpFront::Dispatch(const HttpRequest& request) const {
+  try {
+    return handler_(request);
+  } catch (const std::exception& failure) {
+    report_("500 for " + request.method + " " + request.path.substr(0, 200) + ": " + failure.what());
+  } catch (...) {
+    report_("500 for " + request.method + " " + request.path.substr(0, 200) + ": an unknown exception");
+  }
+  return ErrorResponse(500);
 }
 
 }  // namespace tarnwick::server

@@ -1,15 +1,21 @@
 // The HTTP front: libmicrohttpd behind a small interface. It owns the
-// listening socket and a thread per connection, enforces the size limits,
-// and hands each complete request to one handler (on several threads at once).
+// listening socket and a thread per connection, enforces the limits (sizes,
+// time to deliver a request, connections per client address), refuses
+// requests whose framing is ambiguous, and hands each complete request to
+// one handler (on several threads at once).
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 
 #include "server/HttpTypes.h"
+#include "server/RequestDeadlines.h"
 
 struct MHD_Daemon;
 
@@ -19,8 +25,13 @@ struct HttpLimits {
   std::size_t maxTargetBytes = 8192;          // request target, path and query together: 414 above
   std::size_t maxBodyBytes = 65536;           // request body: 413 above
   std::size_t connectionMemoryBytes = 32768;  // request line and headers must fit in it: 431 or 414 above
-  unsigned connectionTimeoutSeconds = 15;     // idle keep-alive connections close after this
+  // Each request, headers and body, must be in within this time of the
+  // connection's opening or of the previous answer; idle connections close
+  // after it too.
+  std::chrono::milliseconds requestTime{10000};
+  unsigned answerTimeoutSeconds = 15;  // an answer the client stops reading is dropped after this
   unsigned maxConnections = 1024;
+  unsigned maxConnectionsPerAddress = 64;  // more from one client address are closed at once
 };
 
 struct ListenAddress {
@@ -35,7 +46,10 @@ std::string BaseAddress(const ListenAddress& address);
 
 class HttpFront {
  public:
-  explicit HttpFront(HttpHandler handler, HttpLimits limits = {});
+  // Trouble while answering (a handler that failed), one line at a time.
+  using Reporter = std::function<void(const std::string&)>;
+
+  HttpFront(HttpHandler handler, Reporter report, HttpLimits limits = {});
   ~HttpFront();
   HttpFront(const HttpFront&) = delete;
   HttpFront& operator=(const HttpFront&) = delete;
@@ -50,13 +64,17 @@ class HttpFront {
   // Stops accepting, finishes the requests under way, joins the threads.
   void Stop();
 
-  // Called by the library's callbacks.
-  HttpResponse Dispatch(const HttpRequest& request) const { return handler_(request); }
+  // Called by the library's callbacks. Dispatch answers 500, and reports
+  // it, when the handler throws.
+  HttpResponse Dispatch(const HttpRequest& request) const;
   const HttpLimits& limits() const { return limits_; }
+  RequestDeadlines& deadlines() { return *deadlines_; }
 
  private:
   HttpHandler handler_;
+  Reporter report_;
   HttpLimits limits_;
+  std::unique_ptr<RequestDeadlines> deadlines_;
   MHD_Daemon* daemon_ = nullptr;
   int socket_ = -1;  // listening, not yet handed to the library
   bool v6_ = false;

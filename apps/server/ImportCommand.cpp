@@ -41,7 +41,7 @@ class ConsoleProgress final : public ImportProgress {
 
 bool ReadBatchSize(const std::string& text, std::size_t& rows) {
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), rows);
-  return error == std::errc() && end == text.data() + text.size() && rows > 0;
+  return error == std::errc() && end == text.data() + text.size() && rows > 0 && rows <= kMaxBatchRows;
 }
 
 }  // namespace
@@ -64,7 +64,8 @@ int RunImport(const std::vector<std::string>& args) {
   options.format = *format;
   options.wholeSites = parsed.switches.contains("--whole-sites");
   if (parsed.values.contains("--batch") && !ReadBatchSize(parsed.values["--batch"], options.batchRows)) {
-    std::cerr << "tarnwick-server: --batch needs a number of rows above 0\n";
+    std::cerr << "tarnwick-server: --batch takes a number of rows from 1 to " << kMaxBatchRows << ", not '"
+              << parsed.values["--batch"] << "'\n";
     return kExitError;
   }
 

@@ -53,6 +53,14 @@ void IndexReloader::Flush() {
 }
 
 void IndexReloader::Tick(bool forced) {
+  try {
+    if (const std::string reopened = storage_->ReopenIfReplaced(); !reopened.empty()) {
+      report_(reopened);
+      forced = true;  // the new file's version number says nothing about the index
+    }
+  } catch (const StorageError& error) {
+    report_(std::string("storage error: ") + error.what());
+  }
   Flush();
   try {
     if (!forced && storage_->FeedVersion() == index_.Current()->feedVersion()) return;

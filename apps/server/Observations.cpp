@@ -12,24 +12,33 @@ bool Contains(const std::vector<std::string>* hosts, std::string_view host) {
 
 }  // namespace
 
+bool Observations::Reserve(std::string_view host) {
+  const std::size_t bytes = host.size() + kHostOverheadBytes;
+  std::size_t used = usedBytes_.load(std::memory_order_relaxed);
+  do {
+    if (used + bytes > capacityBytes_) return false;
+  } while (!usedBytes_.compare_exchange_weak(used, used + bytes, std::memory_order_relaxed));
+  return true;
+}
+
 bool Observations::NoteHost(std::string_view host) {
   Shard& shard = ShardOf(host);
   std::lock_guard lock(shard.mutex);
   if (shard.hosts.find(host) != shard.hosts.end()) return true;
-  if (hostCount_.load(std::memory_order_relaxed) < capacity_) {
+  if (Reserve(host)) {
     shard.hosts.emplace(host);
     shard.unsaved.emplace_back(host);
-    hostCount_.fetch_add(1, std::memory_order_relaxed);
   }
   return false;
 }
 
-void Observations::NotePhishingAddress(std::uint32_t address, std::string_view host) {
+void Observations::NotePhishingAddress(std::uint32_t address, std::string_view host, std::string_view client) {
   {
     std::shared_lock lock(addressMutex_);
     const auto found = addressHosts_.find(address);
     if (found != addressHosts_.end() && Contains(&found->second, host)) return;
   }
+  if (!witnesses_.Report(address, host, client, AddressWitnesses::Clock::now())) return;
   std::unique_lock lock(addressMutex_);
   auto& hosts = addressHosts_[address];
   if (Contains(&hosts, host)) return;
@@ -55,8 +64,10 @@ void Observations::LoadSeen(Storage& storage) {
   storage.LoadSeenHosts([this](std::string_view host) {
     Shard& shard = ShardOf(host);
     std::lock_guard lock(shard.mutex);
-    if (shard.hosts.emplace(host).second) hostCount_.fetch_add(1, std::memory_order_relaxed);
-    return hostCount_.load(std::memory_order_relaxed) < capacity_;
+    if (shard.hosts.find(host) != shard.hosts.end()) return true;
+    if (!Reserve(host)) return false;
+    shard.hosts.emplace(host);
+    return true;
   });
 }
 

@@ -1,7 +1,8 @@
 // What the server learns while it answers: which hosts it has been asked
 // about, and which addresses the known phishing hosts are served from (the
-// toolbar sends the address it resolved). Both feed the risk rating and are
-// written to the storage in the background, so a restart remembers them.
+// toolbar sends the address it resolved; believed once several clients
+// agree). Both feed the risk rating and are written to the storage in the
+// background, so a restart remembers them.
 #pragma once
 
 #include <array>
@@ -15,6 +16,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "server/AddressWitnesses.h"
 #include "server/PhishIndex.h"
 #include "server/Storage.h"
 
@@ -22,14 +24,20 @@ namespace tarnwick::server {
 
 class Observations {
  public:
-  // Up to `capacity` hosts are remembered; past that, new hosts stay "never
-  // seen", so a flood of made-up names cannot exhaust the memory.
-  explicit Observations(std::size_t capacity = 2'000'000) : capacity_(capacity) {}
+  // Hosts are remembered up to `capacityBytes`, each counting its length
+  // and kHostOverheadBytes; past that, new hosts stay "never seen", so a
+  // flood of made-up names cannot exhaust the memory or the disk.
+  explicit Observations(std::size_t capacityBytes = kDefaultSeenHostBytes) : capacityBytes_(capacityBytes) {}
+
+  static constexpr std::size_t kDefaultSeenHostBytes = 128 << 20;
+  static constexpr std::size_t kHostOverheadBytes = 64;
 
   // Remembers `host`; true when it had been seen before this call.
   bool NoteHost(std::string_view host);
-  // Remembers that the phishing host `host` is served from `address`.
-  void NotePhishingAddress(std::uint32_t address, std::string_view host);
+  // Notes that `client` (its address) says the phishing host `host` is
+  // served from `address`; remembered once enough clients have said so (see
+  // AddressWitnesses.h).
+  void NotePhishingAddress(std::uint32_t address, std::string_view host, std::string_view client);
   // Distinct phishing hosts other than `host` known at `address`, from the
   // feeds (through `index`) and from requests.
   std::size_t OtherPhishingHostsAt(std::uint32_t address, std::string_view host, const PhishIndex& index) const;
@@ -47,11 +55,15 @@ class Observations {
     std::vector<std::string> unsaved;
   };
   Shard& ShardOf(std::string_view host) { return shards_[TextHash{}(host) % shards_.size()]; }
+  // Counts `host` against the capacity; false, counting nothing, when it
+  // does not fit.
+  bool Reserve(std::string_view host);
 
-  std::size_t capacity_;
-  std::atomic<std::size_t> hostCount_{0};
+  std::size_t capacityBytes_;
+  std::atomic<std::size_t> usedBytes_{0};
   std::array<Shard, 32> shards_;
 
+  AddressWitnesses witnesses_;
   mutable std::shared_mutex addressMutex_;
   std::unordered_map<std::uint32_t, std::vector<std::string>> addressHosts_;
   std::vector<HostAddress> unsavedAddresses_;

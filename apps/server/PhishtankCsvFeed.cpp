@@ -19,10 +19,10 @@ void ReadPhishtankCsv(std::istream& in, FeedSink& sink) {
   CsvReader reader(in, false);
   std::vector<std::string> header, fields;
   std::size_t line = 0;
-  bool broken = false;
+  std::string broken;
   if (!reader.Next(header, line, broken)) return;
   const std::size_t url = ColumnOf(header, "url");
-  if (broken || url == header.size()) {
+  if (!broken.empty() || url == header.size()) {
     sink.Reject("line " + std::to_string(line), "the header names no url column; nothing read");
     return;
   }
@@ -31,8 +31,8 @@ void ReadPhishtankCsv(std::istream& in, FeedSink& sink) {
   const std::size_t online = ColumnOf(header, "online");
   while (reader.Next(fields, line, broken)) {
     const std::string where = "line " + std::to_string(line);
-    if (broken) {
-      sink.Reject(where, "a quoted field is not closed");
+    if (!broken.empty()) {
+      sink.Reject(where, broken);
     } else if (fields.size() != header.size()) {
       sink.Reject(where,
                   "expected " + std::to_string(header.size()) + " columns, found " + std::to_string(fields.size()));

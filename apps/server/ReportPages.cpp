@@ -115,6 +115,20 @@ std::optional<HttpResponse> ReportPages::Page(std::string_view path, std::string
   return std::nullopt;
 }
 
+std::int64_t ReportPages::Store(const Report& report) {
+  std::lock_guard lock(storageMutex_);
+  const auto reopen = [this] {
+    const std::string reopened = storage_.ReopenIfReplaced();
+    if (!reopened.empty()) report_(reopened);
+    return !reopened.empty();
+  };
+  reopen();
+  const std::int64_t number = storage_.AddReport(report);
+  // Replaced while it was written: the report went into a file no one will
+  // read again, so it goes into the new one too.
+  return reopen() ? storage_.AddReport(report) : number;
+}
+
 std::optional<HttpResponse> ReportPages::Submit(const HttpRequest& request) {
   const FormKind* form = FormAt(request.path);
   if (form == nullptr) return std::nullopt;
@@ -140,8 +154,7 @@ std::optional<HttpResponse> ReportPages::Submit(const HttpRequest& request) {
     return ErrorPage(400, "Report not sent", "The report was not stored: " + reason + ".");
   }
   try {
-    std::lock_guard lock(storageMutex_);
-    const std::int64_t number = storage_.AddReport(report);
+    const std::int64_t number = Store(report);
     return HtmlPage(200, "Thank you",
                     "<p>Your report (number " + std::to_string(number) + ") has been stored" +
                         (report.url.empty() ? "" : " for " + HtmlEscape(report.url)) + ".</p>");

@@ -4,8 +4,10 @@
 // before the answer goes out. Every value a page reflects is HTML-escaped.
 #pragma once
 
+#include <functional>
 #include <mutex>
 #include <optional>
+#include <string>
 #include <string_view>
 
 #include "server/HttpTypes.h"
@@ -21,8 +23,12 @@ inline constexpr std::size_t kMaxReportText = 4000;  // reason
 
 class ReportPages {
  public:
-  // `storage` is a connection used for nothing else.
-  ReportPages(Storage& storage, const RiskConfig& risk) : storage_(storage), risk_(risk) {}
+  using Reporter = std::function<void(const std::string&)>;
+
+  // `storage` is a connection used for nothing else; `report` takes the
+  // line logged when the storage had to be opened again.
+  ReportPages(Storage& storage, const RiskConfig& risk, Reporter report)
+      : storage_(storage), risk_(risk), report_(std::move(report)) {}
 
   // The page for a GET, or nothing when `path` is none of the site's pages.
   std::optional<HttpResponse> Page(std::string_view path, std::string_view query) const;
@@ -31,10 +37,13 @@ class ReportPages {
 
  private:
   HttpResponse FaqPage() const;
+  // Stores the report where the next reader of the storage finds it.
+  std::int64_t Store(const Report& report);
 
   std::mutex storageMutex_;
   Storage& storage_;
   const RiskConfig& risk_;
+  Reporter report_;
 };
 
 }  // namespace tarnwick::server

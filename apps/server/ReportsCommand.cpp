@@ -4,13 +4,14 @@
 #include "ServerCli.h"
 #include "server/HttpDate.h"
 #include "server/Storage.h"
-#include "support/Text.h"
+#include "support/TerminalText.h"
 
 namespace tarnwick::server::cli {
 namespace {
 
+// Everything in a report came from someone on the Internet: escaped.
 void PrintField(std::string_view label, const std::string& value) {
-  if (!value.empty()) std::cout << "  " << label << ": " << AnsiToUtf8(value) << '\n';
+  if (!value.empty()) std::cout << "  " << label << ": " << TerminalText(value) << '\n';
 }
 
 }  // namespace
@@ -31,9 +32,10 @@ int RunReports(const std::vector<std::string>& args) {
     return kExitError;
   }
   try {
-    const auto reports = OpenSqliteStorage(file)->Reports();
+    const auto reports = ReadSqliteReports(file);
     for (const Report& report : reports) {
-      std::cout << "#" << report.id << " " << report.kind << ", " << FormatHttpDate(report.created) << '\n';
+      std::cout << "#" << report.id << " " << TerminalText(report.kind) << ", " << FormatHttpDate(report.created)
+                << '\n';
       PrintField("url", report.url);
       PrintField("name", report.name);
       PrintField("email", report.email);

@@ -31,7 +31,7 @@ HttpResponse Router::Get(const HttpRequest& request) {
   if (path.starts_with(kCheckUrlPrefix)) {
     const auto question = ParseCheckUrlPath(path.substr(kCheckUrlPrefix.size()));
     if (!question) return ErrorResponse(400, "expected /check_url/SCHEME://HOST[:PORT][/ADDRESS]");
-    return verdicts_.Answer(*question, SiteAddress(request));
+    return verdicts_.Answer(*question, SiteAddress(request), request.clientAddress);
   }
   if (path.starts_with(kUpdatesPrefix)) {
     return files_.Update(path.substr(kUpdatesPrefix.size()), request.Header("If-Modified-Since"));

@@ -57,10 +57,10 @@ class RunningServer final : public Server {
         signer_(LoadSigner(settings, report)),
         files_(settings.dataFolder, log_, signer_ ? &*signer_ : nullptr),
         releases_(settings.dataFolder / kReleasesFolder, log_, signer_ ? &*signer_ : nullptr),
-        pages_(*storage_, risk_.config()),
+        pages_(*storage_, risk_.config(), report),
         verdicts_(live_, observations_, risk_, geoIp_),
         router_(verdicts_, files_, releases_, pages_, address_),
-        front_([this](const HttpRequest& request) { return router_.Handle(request); }) {
+        front_([this](const HttpRequest& request) { return router_.Handle(request); }, report, settings.http) {
     observations_.LoadSeen(*storage_);
     report("index loaded: " + live_.Current()->Describe());
     if (!geoIp_.loaded()) report("no GeoIP database at " + settings.geoIpDatabase.string() + ": countries unknown");

@@ -27,6 +27,7 @@ struct ServerSettings {
   // the data folder, when it exists (without one, nothing is signed).
   std::filesystem::path signingKey;
   std::chrono::milliseconds reloadInterval{1000};
+  HttpLimits http;
 };
 
 class Server {

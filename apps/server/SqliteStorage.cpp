@@ -89,10 +89,31 @@ class Statement {
   sqlite3_stmt* statement_ = nullptr;
 };
 
+// "file:PATH?PARAMETERS", the path's "%", "?" and "#" escaped.
+std::string FileUri(const std::filesystem::path& file, std::string_view parameters) {
+  std::string uri = "file:";
+  for (const char c : file.string()) {
+    if (c == '%') {
+      uri += "%25";
+    } else if (c == '?') {
+      uri += "%3f";
+    } else if (c == '#') {
+      uri += "%23";
+    } else {
+      uri += c;
+    }
+  }
+  return uri + "?" + std::string(parameters);
+}
+
 class Connection {
  public:
-  explicit Connection(const std::filesystem::path& file) {
-    const int result = sqlite3_open_v2(file.c_str(), &db_, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr);
+  // `flags`: SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, or SQLITE_OPEN_READONLY;
+  // `parameters` ("immutable=1") are passed in a URI file name.
+  Connection(const std::filesystem::path& file, int flags, std::string_view parameters = {}) {
+    const int result = parameters.empty()
+                           ? sqlite3_open_v2(file.c_str(), &db_, flags, nullptr)
+                           : sqlite3_open_v2(FileUri(file, parameters).c_str(), &db_, flags | SQLITE_OPEN_URI, nullptr);
     if (result != SQLITE_OK) {
       const std::string message = db_ != nullptr ? sqlite3_errmsg(db_) : sqlite3_errstr(result);
       sqlite3_close(db_);
@@ -113,6 +134,13 @@ class Connection {
     }
   }
   sqlite3* get() const { return db_; }
+
+  // True when the file this connection opened is no longer at its path
+  // (deleted, or another file renamed over it).
+  bool Moved() const {
+    int moved = 0;
+    return sqlite3_file_control(db_, "main", SQLITE_FCNTL_HAS_MOVED, &moved) == SQLITE_OK && moved != 0;
+  }
 
  private:
   sqlite3* db_ = nullptr;
@@ -143,7 +171,8 @@ std::int64_t Now() { return static_cast<std::int64_t>(std::time(nullptr)); }
 // statements to be prepared.
 class SchemaConnection : public Connection {
  public:
-  explicit SchemaConnection(const std::filesystem::path& file) : Connection(file) {
+  explicit SchemaConnection(const std::filesystem::path& file)
+      : Connection(file, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE) {
     Execute("PRAGMA journal_mode=WAL; PRAGMA synchronous=FULL;");
     Transaction transaction(*this, "BEGIN IMMEDIATE");
     Execute(kSchema);
@@ -151,11 +180,12 @@ class SchemaConnection : public Connection {
   }
 };
 
-class SqliteStorage final : public Storage {
+// One open database file with its statements prepared.
+class Database {
  public:
-  explicit SqliteStorage(const std::filesystem::path& file) : connection_(file) {}
+  explicit Database(const std::filesystem::path& file) : connection_(file) {}
 
-  ImportCounts Import(std::span<const FeedEntry> entries) override {
+  ImportCounts Import(std::span<const FeedEntry> entries) {
     ImportCounts counts;
     bool changed = false;
     const std::int64_t now = Now();
@@ -181,14 +211,14 @@ class SqliteStorage final : public Storage {
     return counts;
   }
 
-  std::int64_t FeedVersion() override {
+  std::int64_t FeedVersion() {
     std::int64_t version = 0;
     if (readVersion_.Next()) version = readVersion_.Number(0);
     readVersion_.Reset();
     return version;
   }
 
-  std::int64_t LoadIndex(IndexSource& source) override {
+  std::int64_t LoadIndex(IndexSource& source) {
     Transaction snapshot(connection_, "BEGIN");
     const std::int64_t version = FeedVersion();
     while (readSites_.Next()) source.PhishingSite(readSites_.Text(0));
@@ -200,8 +230,7 @@ class SqliteStorage final : public Storage {
     return version;
   }
 
-  void RecordObservations(std::span<const std::string> seenHosts,
-                          std::span<const HostAddress> phishingAddresses) override {
+  void RecordObservations(std::span<const std::string> seenHosts, std::span<const HostAddress> phishingAddresses) {
     Transaction transaction(connection_, "BEGIN IMMEDIATE");
     for (const std::string& host : seenHosts) insertSeen_.Bind(1, host).Run();
     for (const auto& [address, host] : phishingAddresses) {
@@ -210,7 +239,7 @@ class SqliteStorage final : public Storage {
     transaction.Commit();
   }
 
-  void LoadSeenHosts(const std::function<bool(std::string_view)>& visit) override {
+  void LoadSeenHosts(const std::function<bool(std::string_view)>& visit) {
     Transaction snapshot(connection_, "BEGIN");
     while (readSeen_.Next()) {
       if (!visit(readSeen_.Text(0))) {
@@ -221,7 +250,7 @@ class SqliteStorage final : public Storage {
     snapshot.Commit();
   }
 
-  std::int64_t AddReport(const Report& report) override {
+  std::int64_t AddReport(const Report& report) {
     insertReport_.Bind(1, Now())
         .Bind(2, report.kind)
         .Bind(3, report.url)
@@ -234,22 +263,7 @@ class SqliteStorage final : public Storage {
     return sqlite3_last_insert_rowid(connection_.get());
   }
 
-  std::vector<Report> Reports() override {
-    std::vector<Report> reports;
-    while (readReports_.Next()) {
-      Report& report = reports.emplace_back();
-      report.id = readReports_.Number(0);
-      report.created = readReports_.Number(1);
-      report.kind = readReports_.Text(2);
-      report.url = readReports_.Text(3);
-      report.name = readReports_.Text(4);
-      report.email = readReports_.Text(5);
-      report.reason = readReports_.Text(6);
-      report.userAgent = readReports_.Text(7);
-      report.clientAddress = readReports_.Text(8);
-    }
-    return reports;
-  }
+  bool Moved() const { return connection_.Moved(); }
 
  private:
   SchemaConnection connection_;
@@ -268,15 +282,76 @@ class SqliteStorage final : public Storage {
   Statement insertReport_{connection_.get(),
                           "INSERT INTO reports(created, kind, url, name, email, reason, user_agent, client_address) "
                           "VALUES(?,?,?,?,?,?,?,?)"};
-  Statement readReports_{connection_.get(),
-                         "SELECT id, created, kind, url, name, email, reason, user_agent, client_address FROM reports "
-                         "ORDER BY id"};
 };
+
+// The storage behind the server: a Database that is opened again when its
+// file was removed or replaced by another (an operator re-creating the
+// database by an import while the server runs), so that nothing is read
+// from or written to a file no one else will ever see again.
+class SqliteStorage final : public Storage {
+ public:
+  explicit SqliteStorage(std::filesystem::path file)
+      : file_(std::move(file)), database_(std::make_unique<Database>(file_)) {}
+
+  ImportCounts Import(std::span<const FeedEntry> entries) override { return database_->Import(entries); }
+  std::int64_t FeedVersion() override { return database_->FeedVersion(); }
+  std::int64_t LoadIndex(IndexSource& source) override { return database_->LoadIndex(source); }
+  void RecordObservations(std::span<const std::string> seenHosts,
+                          std::span<const HostAddress> phishingAddresses) override {
+    database_->RecordObservations(seenHosts, phishingAddresses);
+  }
+  void LoadSeenHosts(const std::function<bool(std::string_view)>& visit) override { database_->LoadSeenHosts(visit); }
+  std::int64_t AddReport(const Report& report) override { return database_->AddReport(report); }
+
+  std::string ReopenIfReplaced() override {
+    if (!database_->Moved()) return {};
+    database_ = std::make_unique<Database>(file_);
+    return "the database " + file_.string() + " was removed or replaced: opened it again";
+  }
+
+ private:
+  std::filesystem::path file_;
+  std::unique_ptr<Database> database_;
+};
+
+std::vector<Report> ReadReports(const Connection& connection) {
+  Statement read(connection.get(),
+                 "SELECT id, created, kind, url, name, email, reason, user_agent, client_address FROM reports "
+                 "ORDER BY id");
+  std::vector<Report> reports;
+  while (read.Next()) {
+    Report& report = reports.emplace_back();
+    report.id = read.Number(0);
+    report.created = read.Number(1);
+    report.kind = read.Text(2);
+    report.url = read.Text(3);
+    report.name = read.Text(4);
+    report.email = read.Text(5);
+    report.reason = read.Text(6);
+    report.userAgent = read.Text(7);
+    report.clientAddress = read.Text(8);
+  }
+  return reports;
+}
 
 }  // namespace
 
 std::unique_ptr<Storage> OpenSqliteStorage(const std::filesystem::path& file) {
   return std::make_unique<SqliteStorage>(file);
+}
+
+std::vector<Report> ReadSqliteReports(const std::filesystem::path& file) {
+  try {
+    return ReadReports(Connection(file, SQLITE_OPEN_READONLY));
+  } catch (const StorageError&) {
+    // Reading in WAL mode needs the -shm file, which a reader without write
+    // access to the folder cannot create. Without a -wal file everything is
+    // in the database file and no server has it open: it can be read as
+    // unchanging.
+    std::error_code error;
+    if (std::filesystem::exists(file.string() + "-wal", error)) throw;
+    return ReadReports(Connection(file, SQLITE_OPEN_READONLY, "immutable=1"));
+  }
 }
 
 }  // namespace tarnwick::server

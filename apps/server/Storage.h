@@ -81,11 +81,20 @@ class Storage {
 
   // Stores a report durably and returns its number.
   virtual std::int64_t AddReport(const Report& report) = 0;
-  virtual std::vector<Report> Reports() = 0;
+
+  // Opens the storage again when the place it was opened at now holds
+  // another one (its file was removed, or replaced by another): the line to
+  // log when it did, or "". Throws StorageError when it cannot open it.
+  virtual std::string ReopenIfReplaced() = 0;
 };
 
 // Opens (creating when missing) a SQLite database file in WAL mode. Throws
 // StorageError when it cannot.
 std::unique_ptr<Storage> OpenSqliteStorage(const std::filesystem::path& file);
+
+// The reports in a SQLite database file, oldest first, read without
+// changing the file (so read access is enough). Throws StorageError when
+// it cannot.
+std::vector<Report> ReadSqliteReports(const std::filesystem::path& file);
 
 }  // namespace tarnwick::server

@@ -1,6 +1,7 @@
 #include "server/TextLines.h"
 
 #include <fstream>
+#include <limits>
 #include <sstream>
 
 namespace tarnwick::server {
@@ -17,6 +18,23 @@ void ForEachLine(std::string_view text, const std::function<bool(std::size_t, st
     if (!visit(number, text.substr(0, newline))) return;
     text = newline == std::string_view::npos ? std::string_view() : text.substr(newline + 1);
   }
+}
+
+LineRead ReadBoundedLine(std::istream& in, std::string& line, std::size_t maxBytes) {
+  // istream::getline stores at most size - 1 characters and fails when
+  // more come before the LF.
+  line.resize(maxBytes + 1);
+  in.getline(line.data(), static_cast<std::streamsize>(line.size()));
+  const auto extracted = static_cast<std::size_t>(in.gcount());
+  if (in.fail() && !in.eof()) {
+    in.clear();
+    in.ignore(std::numeric_limits<std::streamsize>::max(), '\n');
+    line.clear();
+    return LineRead::TooLong;
+  }
+  // The LF is counted as extracted but not stored; the last line may lack it.
+  line.resize(in.eof() ? extracted : extracted - 1);
+  return extracted == 0 && in.eof() ? LineRead::End : LineRead::Line;
 }
 
 std::optional<std::string> ReadTextFile(const std::filesystem::path& file) {

@@ -16,11 +16,11 @@ void ReadUrlhausCsv(std::istream& in, FeedSink& sink) {
   CsvReader reader(in, true);
   std::vector<std::string> fields;
   std::size_t line = 0;
-  bool broken = false;
+  std::string broken;
   while (reader.Next(fields, line, broken)) {
     const std::string where = "line " + std::to_string(line);
-    if (broken) {
-      sink.Reject(where, "a quoted field is not closed");
+    if (!broken.empty()) {
+      sink.Reject(where, broken);
     } else if (fields.size() != kColumns) {
       sink.Reject(where, "expected 9 columns, found " + std::to_string(fields.size()));
     } else {

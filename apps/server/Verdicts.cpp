@@ -21,7 +21,7 @@ std::string SiteInformation(bool blocked, bool pagesListed, int rank, Country co
 
 }  // namespace
 
-HttpResponse Verdicts::Answer(const CheckUrlQuestion& question, std::string_view site) const {
+HttpResponse Verdicts::Answer(const CheckUrlQuestion& question, std::string_view site, std::string_view client) const {
   const std::shared_ptr<const PhishIndex> index = index_.Current();
   const PhishIndex::Site* listed = index->Find(question.host);
 
@@ -31,7 +31,7 @@ HttpResponse Verdicts::Answer(const CheckUrlQuestion& question, std::string_view
   facts.seenBefore = observations_.NoteHost(question.host);
   Country country;
   if (question.address && !IsPrivateAddress(*question.address)) {
-    if (listed != nullptr) observations_.NotePhishingAddress(*question.address, question.host);
+    if (listed != nullptr) observations_.NotePhishingAddress(*question.address, question.host, client);
     facts.phishingNeighbours = observations_.OtherPhishingHostsAt(*question.address, question.host, *index);
     country = geoIp_.CountryOf(*question.address);
   }

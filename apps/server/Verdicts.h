@@ -20,8 +20,9 @@ class Verdicts {
   Verdicts(LiveIndex& index, Observations& observations, const RiskModel& risk, const GeoIpDatabase& geoIp)
       : index_(index), observations_(observations), risk_(risk), geoIp_(geoIp) {}
 
-  // `site` is the base address the text's links point at.
-  HttpResponse Answer(const CheckUrlQuestion& question, std::string_view site) const;
+  // `site` is the base address the text's links point at; `client` is the
+  // address the question came from.
+  HttpResponse Answer(const CheckUrlQuestion& question, std::string_view site, std::string_view client) const;
 
  private:
   LiveIndex& index_;

@@ -71,6 +71,14 @@ TEST_F(CheckCommandTest, EachKindOfVerdictAsJsonLines) {
   for (const auto& line : lines) EXPECT_NE(output.find(line), std::string::npos) << line << "\n" << output;
 }
 
+TEST_F(CheckCommandTest, TextOutputEscapesControlCharacters) {
+  const auto [output, status] = Check("http://florist.example.org/\x1B]0;owned\x07\xC2\x9Dpage.html\n", "");
+  EXPECT_EQ(status, 0);
+  EXPECT_NE(output.find("http://florist.example.org/\\x1B]0;owned\\x07\\x9Dpage.html\n  allowed"), std::string::npos)
+      << output;
+  EXPECT_EQ(output.find_first_of("\x1B\x07"), std::string::npos) << output;
+}
+
 TEST_F(CheckCommandTest, AnsweringYesAllowsAndBadFlagsAreErrors) {
   const auto [output, status] = Check("http://www.bank.example@evil.example/\n", "--answer yes");
   EXPECT_EQ(status, 0);

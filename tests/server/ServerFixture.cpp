@@ -4,9 +4,12 @@
 #include <curl/curl.h>
 #include <gtest/gtest.h>
 #include <netinet/in.h>
+#include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <cstring>
 #include <fstream>
 #include <sstream>
 #include <thread>
@@ -81,25 +84,57 @@ HttpResult HttpPost(const std::string& url, const std::string& body, const std::
   return Perform(curl, url, {"Content-Type: " + contentType, "Expect:"});
 }
 
-std::string RawExchange(unsigned short port, const std::string& request) {
-  const int socket = ::socket(AF_INET, SOCK_STREAM, 0);
+HttpResult HttpGetFrom(const std::string& source, const std::string& url) {
+  CURL* curl = curl_easy_init();
+  curl_easy_setopt(curl, CURLOPT_INTERFACE, source.c_str());
+  return Perform(curl, url, {});
+}
+
+RawConnection::RawConnection(unsigned short port, const std::string& source) {
+  socket_ = ::socket(AF_INET, SOCK_STREAM, 0);
+  sockaddr_in local{};
+  local.sin_family = AF_INET;
+  inet_pton(AF_INET, source.c_str(), &local.sin_addr);
   sockaddr_in address{};
   address.sin_family = AF_INET;
   address.sin_port = htons(port);
   address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  timeval timeout{2, 0};
-  setsockopt(socket, SOL_SOCKET, SO_RCVTIMEO, &timeout, sizeof timeout);
+  const bool connected = bind(socket_, reinterpret_cast<sockaddr*>(&local), sizeof local) == 0 &&
+                         connect(socket_, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0;
+  EXPECT_TRUE(connected) << "cannot connect from " << source << ": " << std::strerror(errno);
+  closed_ = !connected;
+}
+
+RawConnection::~RawConnection() { close(socket_); }
+
+bool RawConnection::Send(const std::string& bytes) {
+  return !closed_ && send(socket_, bytes.data(), bytes.size(), MSG_NOSIGNAL) == static_cast<ssize_t>(bytes.size());
+}
+
+std::string RawConnection::Read(std::chrono::milliseconds wait, bool (*enough)(const std::string&)) {
+  const auto deadline = std::chrono::steady_clock::now() + wait;
   std::string answer;
-  if (connect(socket, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0 &&
-      send(socket, request.data(), request.size(), MSG_NOSIGNAL) == static_cast<ssize_t>(request.size())) {
+  while (!closed_ && (enough == nullptr || !enough(answer))) {
+    const auto left =
+        std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
+    pollfd ready{socket_, POLLIN, 0};
+    if (left.count() <= 0 || poll(&ready, 1, static_cast<int>(left.count())) <= 0) break;
     char buffer[4096];
-    for (ssize_t got;
-         answer.find("\r\n\r\n") == std::string::npos && (got = recv(socket, buffer, sizeof buffer, 0)) > 0;) {
+    const ssize_t got = recv(socket_, buffer, sizeof buffer, 0);
+    if (got <= 0) {
+      closed_ = true;
+    } else {
       answer.append(buffer, static_cast<std::size_t>(got));
     }
   }
-  close(socket);
   return answer;
+}
+
+std::string RawExchange(unsigned short port, const std::string& request) {
+  RawConnection connection(port);
+  if (!connection.Send(request)) return {};
+  return connection.Read(std::chrono::seconds(2),
+                         [](const std::string& text) { return text.find("\r\n\r\n") != std::string::npos; });
 }
 
 void WriteText(const std::filesystem::path& path, const std::string& text) {
@@ -130,12 +165,22 @@ void ServerFixture::Start(std::chrono::milliseconds reloadInterval) {
   settings.reloadInterval = reloadInterval;
   std::string error;
   server_ = Server::Start(
-      settings, [](const std::string&) {}, error);
+      settings,
+      [this](const std::string& line) {
+        std::lock_guard lock(logMutex_);
+        log_.push_back(line);
+      },
+      error);
   ASSERT_NE(server_, nullptr) << error;
   base_ = server_->Address();
 }
 
 void ServerFixture::Stop() { server_.reset(); }
+
+std::vector<std::string> ServerFixture::Log() {
+  std::lock_guard lock(logMutex_);
+  return log_;
+}
 
 unsigned short ServerFixture::Port() const {
   return static_cast<unsigned short>(std::stoi(base_.substr(base_.rfind(':') + 1)));

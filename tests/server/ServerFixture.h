@@ -6,6 +6,7 @@
 #include <chrono>
 #include <filesystem>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -26,8 +27,30 @@ struct HttpResult {
 
 // GET (or HEAD with `head`) with extra header lines; the path is sent as is.
 HttpResult HttpGet(const std::string& url, const std::vector<std::string>& headers = {}, bool head = false);
+// GET from another loopback address (any 127.x.y.z reaches a server on
+// 127.0.0.1), as another client would ask.
+HttpResult HttpGetFrom(const std::string& source, const std::string& url);
 HttpResult HttpPost(const std::string& url, const std::string& body,
                     const std::string& contentType = "application/x-www-form-urlencoded");
+// A connection to a loopback port made by hand, from `source`.
+class RawConnection {
+ public:
+  explicit RawConnection(unsigned short port, const std::string& source = "127.0.0.1");
+  ~RawConnection();
+  RawConnection(const RawConnection&) = delete;
+  RawConnection& operator=(const RawConnection&) = delete;
+
+  bool Send(const std::string& bytes);
+  // What the server sends until `enough` holds for it, the server closes
+  // the connection, or `wait` passes.
+  std::string Read(std::chrono::milliseconds wait, bool (*enough)(const std::string&) = nullptr);
+  bool closed() const { return closed_; }
+
+ private:
+  int socket_ = -1;
+  bool closed_ = false;
+};
+
 // Sends raw bytes and returns what comes back up to the end of the answer's
 // headers, or until the server closes the connection or two seconds pass.
 std::string RawExchange(unsigned short port, const std::string& request);
@@ -48,6 +71,8 @@ class ServerFixture {
   void Stop();
 
   std::string Url(const std::string& path) const { return base_ + path; }
+  // The lines the server has logged so far.
+  std::vector<std::string> Log();
   unsigned short Port() const;
   Server& server() { return *server_; }
 
@@ -56,6 +81,8 @@ class ServerFixture {
   std::filesystem::path data = dir / "data";
 
  private:
+  std::mutex logMutex_;
+  std::vector<std::string> log_;
   std::unique_ptr<Server> server_;
   std::string base_;
 };

@@ -96,10 +96,34 @@ TEST_F(CheckUrlTest, RankRisesForNewHostsAndForNeighboursOfPhishingHosts) {
   const int first = Rank(fresh);
   EXPECT_EQ(Rank(fresh), first - 1);  // never seen before, the first time only
 
-  // evil.example is seen at 203.0.113.80; another host there shares its risk.
-  HttpGet(server.Url("/check_url/http://evil.example/3405803856"));
+  // One client says evil.example is at 203.0.113.80, the address of an
+  // innocent site; however often it says so, the site's rank stays.
+  const std::string victim = "/check_url/http://victim.example.net/3405803856";
+  Rank(victim);
+  const int before = Rank(victim);
+  for (int i = 0; i < 200; ++i) HttpGet(server.Url("/check_url/http://evil.example/3405803856"));
+  EXPECT_EQ(Rank(victim), before);
+
+  // When three clients say so, hosts at that address share its risk.
+  for (const char* client : {"127.0.0.2", "127.0.0.3"}) {
+    HttpGetFrom(client, server.Url("/check_url/http://evil.example/3405803856"));
+  }
+  EXPECT_EQ(Rank(victim), before + 2);
   EXPECT_EQ(Rank("/check_url/http://neighbour.example.net/3405803856"),
             Rank("/check_url/http://stranger.example.net/3405803857") + 2);
+}
+
+TEST_F(CheckUrlTest, HostNamesBeyondTheLimitsAreBadRequests) {
+  const std::string label63(63, 'a');
+  EXPECT_EQ(HttpGet(server.Url("/check_url/http://" + label63 + ".example")).status, 200);
+  EXPECT_EQ(HttpGet(server.Url("/check_url/http://" + label63 + "a.example")).status, 400);
+  std::string host253 = label63 + "." + label63 + "." + label63 + "." + std::string(53, 'b') + ".example";
+  ASSERT_EQ(host253.size(), 253u);
+  EXPECT_EQ(HttpGet(server.Url("/check_url/http://" + host253)).status, 200);
+  EXPECT_EQ(HttpGet(server.Url("/check_url/http://" + host253 + ".")).status, 200);
+  EXPECT_EQ(HttpGet(server.Url("/check_url/http://a" + host253)).status, 400);
+  EXPECT_EQ(HttpGet(server.Url("/check_url/http://" + std::string(7000, 'x') + ".example")).status, 400);
+  EXPECT_EQ(HttpGet(server.Url("/check_url/http://a..example")).status, 400);
 }
 
 TEST_F(CheckUrlTest, LinksPointAtTheHostTheClientUsedAndReflectNoMarkup) {

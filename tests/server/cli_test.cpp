@@ -5,6 +5,7 @@
 #include <poll.h>
 #include <signal.h>
 #include <spawn.h>
+#include <sqlite3.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -84,7 +85,7 @@ class Program {
 };
 
 std::string ReadWhole(const std::filesystem::path& file) {
-  std::ifstream in(file);
+  std::ifstream in(file, std::ios::binary);
   std::stringstream text;
   text << in.rdbuf();
   return text.str();
@@ -185,6 +186,31 @@ TEST_F(CliTest, ReportsListsWhatPeopleSent) {
   EXPECT_EQ(Run({"reports", "--db", (dir / "none.db").string()}).status, 2);
 }
 
+TEST_F(CliTest, ReportsOnlyReadsTheDatabaseAndEscapesWhatPeopleSent) {
+  // A database as an older server left it: only the reports, in rollback
+  // journal mode. Listing them must change nothing in it.
+  sqlite3* db = nullptr;
+  ASSERT_EQ(sqlite3_open(database.c_str(), &db), SQLITE_OK);
+  ASSERT_EQ(sqlite3_exec(db,
+                         "CREATE TABLE reports(id INTEGER PRIMARY KEY, created INTEGER NOT NULL, kind TEXT NOT NULL, "
+                         "url TEXT NOT NULL, name TEXT NOT NULL, email TEXT NOT NULL, reason TEXT NOT NULL, "
+                         "user_agent TEXT NOT NULL, client_address TEXT NOT NULL);"
+                         "INSERT INTO reports VALUES(1, 0, 'bug', '', 'Mallory', '', "
+                         "'fine\r\n#2 phishing, forged\x1B[2J\x1B]0;owned\x07', 'agent', '192.0.2.1');",
+                         nullptr, nullptr, nullptr),
+            SQLITE_OK);
+  sqlite3_close(db);
+  const std::string before = ReadWhole(database);
+
+  const Outcome listed = Run({"reports", "--db", database});
+  EXPECT_EQ(listed.status, 0) << listed.err;
+  EXPECT_NE(listed.out.find("  reason: fine\\r\\n#2 phishing, forged\\x1B[2J\\x1B]0;owned\\x07\n"), std::string::npos)
+      << listed.out;
+  EXPECT_EQ(listed.out.find_first_of("\r\x1B\x07"), std::string::npos) << listed.out;
+  EXPECT_EQ(ReadWhole(database), before);
+  EXPECT_FALSE(std::filesystem::exists(database + "-wal"));
+}
+
 TEST_F(CliTest, BadCommandLinesAreErrors) {
   EXPECT_EQ(Run({"serve", "--listen", "localhost"}).status, 2);
   EXPECT_EQ(Run({"serve", "--listen", "127.0.0.1:0", "--threads", "4"}).status, 2);
@@ -192,7 +218,13 @@ TEST_F(CliTest, BadCommandLinesAreErrors) {
       Run({"serve", "--listen", "127.0.0.1:0", "--db", (dir / "no" / "x.db").string(), "--data", dir.path().string()});
   EXPECT_EQ(unwritable.status, 2);
   EXPECT_NE(unwritable.err.find("cannot open"), std::string::npos) << unwritable.err;
-  EXPECT_EQ(Run({"import", "--db", database, "--format", "lines", "--batch", "0", "-"}).status, 2);
+  for (const char* rows : {"0", "1000001", "99999999999999", "1e3"}) {
+    const Outcome absurd = Run({"import", "--db", database, "--format", "lines", "--batch", rows, "-"});
+    EXPECT_EQ(absurd.status, 2) << rows;
+    EXPECT_NE(absurd.err.find("--batch takes a number of rows from 1 to 1000000, not '" + std::string(rows) + "'"),
+              std::string::npos)
+        << absurd.err;
+  }
   EXPECT_EQ(Run({"unknown"}).status, 2);
   EXPECT_EQ(Run({"--help"}).status, 0);
 }

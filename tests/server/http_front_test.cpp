@@ -2,13 +2,145 @@
 // an error status, and the server keeps answering.
 #include <gtest/gtest.h>
 
+#include <mutex>
+#include <stdexcept>
+#include <thread>
+
 #include "ServerFixture.h"
 #include "server/HttpFront.h"
 
 namespace tarnwick::server::testing {
 namespace {
 
+using std::chrono::milliseconds;
+using namespace std::string_literals;
+
 std::string StatusLine(const std::string& answer) { return answer.substr(0, answer.find("\r\n")); }
+
+std::size_t Count(const std::string& text, const std::string& part) {
+  std::size_t count = 0;
+  for (auto at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++count;
+  return count;
+}
+
+// A front alone, with a handler that notes the paths that reach it and
+// throws for /throw.
+class FrontTest : public ::testing::Test {
+ protected:
+  void Start(HttpLimits limits = {}) {
+    front = std::make_unique<HttpFront>(
+        [this](const HttpRequest& request) {
+          std::lock_guard lock(mutex);
+          reached.push_back(request.path);
+          if (request.path == "/throw") throw std::runtime_error("the disk is on fire");
+          HttpResponse answer;
+          answer.body = "ok";
+          return answer;
+        },
+        [this](const std::string& line) {
+          std::lock_guard lock(mutex);
+          reports.push_back(line);
+        },
+        limits);
+    std::string error;
+    ASSERT_TRUE(front->Listen({"127.0.0.1", 0}, error)) << error;
+    ASSERT_TRUE(front->Serve(error)) << error;
+  }
+  std::vector<std::string> Reached() {
+    std::lock_guard lock(mutex);
+    return reached;
+  }
+
+  std::mutex mutex;
+  std::vector<std::string> reached, reports;
+  std::unique_ptr<HttpFront> front;
+};
+
+// The whole answer, and whether the server closed the connection after it.
+std::pair<std::string, bool> Converse(unsigned short port, const std::string& request) {
+  RawConnection connection(port);
+  connection.Send(request);
+  std::string answer = connection.Read(milliseconds(3000));
+  return {answer, connection.closed()};
+}
+
+TEST_F(FrontTest, AmbiguousRequestsAreRefusedBeforeAHandlerAndTheConnectionIsClosed) {
+  Start();
+  const std::string form = "Content-Type: application/x-www-form-urlencoded\r\n";
+  for (const auto& [request, status] : std::vector<std::pair<std::string, std::string>>{
+           {"GET /ok\0/../secret HTTP/1.1\r\nHost: x\r\n\r\n"s, "400 Bad Request"},
+           {"GET /a b HTTP/1.1\r\nHost: x\r\n\r\n", "400 Bad Request"},
+           {"GET /a\tb HTTP/1.1\r\nHost: x\r\n\r\n", "400 Bad Request"},
+           {"POST /form HTTP/1.1\r\nHost: x\r\n" + form +
+                "Content-Length: 5\r\nTransfer-Encoding: chunked\r\n\r\n0\r\n\r\nGET /smuggled HTTP/1.1\r\n\r\n",
+            "400 Bad Request"},
+           {"POST /form HTTP/1.1\r\nHost: x\r\n" + form + "Content-Length: 3\r\nContent-Length: 30\r\n\r\nabc",
+            "400 Bad Request"},
+           {"POST /form HTTP/1.1\r\nHost: x\r\nTransfer-Encoding: gzip\r\n\r\nabc", "501 Not Implemented"},
+           {"GET /ok HTTP/1.1\r\n\r\n", "400 Bad Request"},
+       }) {
+    const auto [answer, closed] = Converse(front->Port(), request);
+    EXPECT_EQ(StatusLine(answer), "HTTP/1.1 " + status) << request;
+    EXPECT_EQ(Count(answer, "\r\n\r\n"), 1u) << answer;  // one header block
+    EXPECT_TRUE(closed) << request;
+  }
+  EXPECT_TRUE(Reached().empty());
+  EXPECT_EQ(StatusLine(Converse(front->Port(), "GET /ok HTTP/1.0\r\n\r\n").first), "HTTP/1.1 200 OK");
+  EXPECT_EQ(Reached(), std::vector<std::string>{"/ok"});
+}
+
+TEST_F(FrontTest, AHandlerThatThrowsGets500AndALogLine) {
+  Start();
+  const auto [answer, closed] = Converse(front->Port(), "GET /throw HTTP/1.1\r\nHost: x\r\nConnection: close\r\n\r\n");
+  EXPECT_EQ(StatusLine(answer), "HTTP/1.1 500 Internal Server Error");
+  EXPECT_EQ(reports, std::vector<std::string>{"500 for GET /throw: the disk is on fire"});
+  EXPECT_EQ(StatusLine(RawExchange(front->Port(), "GET /ok HTTP/1.1\r\nHost: x\r\n\r\n")), "HTTP/1.1 200 OK");
+}
+
+TEST_F(FrontTest, AClientThatDoesNotFinishItsRequestInTimeIsCutOff) {
+  HttpLimits limits;
+  limits.requestTime = milliseconds(500);
+  Start(limits);
+
+  // A byte every 100 ms keeps the connection busy, never idle.
+  RawConnection slow(front->Port());
+  slow.Send("GET /ok HTTP/1.1\r\nHost: x\r\nX-Slow: ");
+  const auto started = std::chrono::steady_clock::now();
+  while (!slow.closed() && std::chrono::steady_clock::now() - started < std::chrono::seconds(5)) {
+    slow.Send("a");
+    slow.Read(milliseconds(100));
+  }
+  EXPECT_TRUE(slow.closed());
+
+  // A request delivered in time is answered; the idle connection after it
+  // is closed in the same time.
+  RawConnection prompt(front->Port());
+  prompt.Send("GET /ok HTTP/1.1\r\nHost: x\r\n\r\n");
+  EXPECT_EQ(StatusLine(prompt.Read(milliseconds(3000),
+                                   [](const std::string& text) { return text.find("ok") != std::string::npos; })),
+            "HTTP/1.1 200 OK");
+  prompt.Read(milliseconds(3000));
+  EXPECT_TRUE(prompt.closed());
+}
+
+TEST_F(FrontTest, OneAddressCannotHoldMoreThanItsShareOfConnections) {
+  HttpLimits limits;
+  limits.maxConnectionsPerAddress = 3;
+  Start(limits);
+  std::vector<std::unique_ptr<RawConnection>> held;
+  for (int i = 0; i < 3; ++i) {
+    held.push_back(std::make_unique<RawConnection>(front->Port(), "127.0.0.2"));
+    held.back()->Send("GET /ok HTTP/1.1\r\n");
+  }
+  RawConnection extra(front->Port(), "127.0.0.2");
+  extra.Read(milliseconds(2000));
+  EXPECT_TRUE(extra.closed());
+  for (const auto& connection : held) {
+    connection->Read(milliseconds(10));
+    EXPECT_FALSE(connection->closed());
+  }
+  EXPECT_EQ(HttpGet(BaseAddress({"127.0.0.1", front->Port()}) + "/ok").status, 200);
+}
 
 TEST(HttpFront, LimitsAndMalformedRequestsGetErrorStatuses) {
   ServerFixture server;
@@ -50,10 +182,11 @@ TEST(HttpFront, ListenAddresses) {
   }
 
   std::string error;
-  HttpFront front([](const HttpRequest&) { return HttpResponse{}; });
+  const auto quiet = [](const std::string&) {};
+  HttpFront front([](const HttpRequest&) { return HttpResponse{}; }, quiet);
   EXPECT_FALSE(front.Listen({"localhost", 0}, error));
   EXPECT_EQ(error, "not a numeric address: localhost");
-  HttpFront first([](const HttpRequest&) { return HttpResponse{}; });
+  HttpFront first([](const HttpRequest&) { return HttpResponse{}; }, quiet);
   ASSERT_TRUE(first.Listen({"127.0.0.1", 0}, error)) << error;
   EXPECT_FALSE(front.Listen({"127.0.0.1", first.Port()}, error));
   EXPECT_NE(error.find("Address already in use"), std::string::npos) << error;

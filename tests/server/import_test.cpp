@@ -85,7 +85,8 @@ TEST_F(ImportTest, PhishtankJsonKeepsHostingAddressesAndStopsAtBrokenJson) {
   EXPECT_EQ(recorder.rejections,
             (std::vector<std::string>{"entry 2 (line 4): not an object", "entry 3 (line 5): no url",
                                       "entry 4 (line 6): not verified",
-                                      "entry 6: malformed JSON, line 8: expected , or }; the rest is not read"}));
+                                      "entry 6: malformed JSON at line 8: syntax error while parsing object - "
+                                      "unexpected string literal; expected '}'; the rest is not read"}));
   const Contents stored = Stored();
   EXPECT_EQ(stored.sites, (std::set<std::string>{"a.example"}));
   EXPECT_EQ(stored.pages, (std::set<std::string>{"c.example/php"}));
@@ -94,7 +95,57 @@ TEST_F(ImportTest, PhishtankJsonKeepsHostingAddressesAndStopsAtBrokenJson) {
   Import(FeedFormat::PhishtankJson, "{\"url\":\"http://a.example/\"}");
   EXPECT_EQ(recorder.rejections,
             (std::vector<std::string>{
-                "entry 1: malformed JSON, line 1: the feed is not a JSON array; the rest is not read"}));
+                "entry 1: malformed JSON at line 1: the feed is not a JSON array; the rest is not read"}));
+}
+
+TEST_F(ImportTest, HostileJsonIsReadInBoundedMemory) {
+  // One entry holding a hundred thousand values is rejected whole; the
+  // entries around it are read.
+  std::string crowded = R"([{"url":"http://a.example/"},{"url":"http://b.example/","details":[)";
+  for (int i = 0; i < 100000; ++i) crowded += "{},";
+  crowded += R"({}]},{"url":"http://c.example/"}])";
+  Import(FeedFormat::PhishtankJson, crowded);
+  EXPECT_EQ(recorder.rejections, (std::vector<std::string>{"entry 2 (line 1): more than 1000 values"}));
+  EXPECT_EQ(Stored().sites, (std::set<std::string>{"a.example", "c.example"}));
+
+  // A value the parser would have to gather whole, a run of structure it
+  // would keep, and nesting without end.
+  Import(FeedFormat::PhishtankJson, R"([{"url":"http://)" + std::string(2 << 20, 'x'));
+  EXPECT_EQ(recorder.rejections,
+            (std::vector<std::string>{
+                "entry 1: malformed JSON at line 1: more than 1 MiB without a string, number or literal; "
+                "the rest is not read"}));
+  std::string structure = R"([{"url":"http://a.example/","details":[)";
+  for (int i = 0; i < 400000; ++i) structure += "{},";
+  Import(FeedFormat::PhishtankJson, structure + "{}]}]");
+  EXPECT_EQ(recorder.rejections,
+            (std::vector<std::string>{"entry 1: malformed JSON at line 1: more than 1 MiB without a string, number or "
+                                      "literal; the rest is not read"}));
+  Import(FeedFormat::PhishtankJson, "[" + std::string(100000, '['));
+  EXPECT_EQ(recorder.rejections,
+            (std::vector<std::string>{"entry 1: malformed JSON at line 1: nested deeper than 64 levels; the rest "
+                                      "is not read"}));
+}
+
+TEST_F(ImportTest, TextAfterTheJsonArrayIsAnError) {
+  const ImportSummary summary = Import(FeedFormat::PhishtankJson, "[{\"url\":\"http://a.example/\"}]\n<html>");
+  EXPECT_EQ(summary.added, 1u);
+  EXPECT_EQ(recorder.rejections, (std::vector<std::string>{"line 2: text after the closing ] of the feed"}));
+  EXPECT_EQ(Import(FeedFormat::PhishtankJson, "[]\n\n").rejected, 0u);
+}
+
+TEST_F(ImportTest, LongLinesAndWordsThatAreNoHostsAreRejected) {
+  Import(FeedFormat::Lines, "Home\nv1.2\n404\n-----\ne.g.\nlocalhost\nhttp://intranet/login\n" +
+                                std::string(100000, 'a') + "\n" + std::string(8192, 'a') + "\n" +
+                                std::string(8193, 'a') + "\nwhole.example\n192.0.2.7");
+  EXPECT_EQ(recorder.rejections,
+            (std::vector<std::string>{
+                "line 1: 'home' is not an Internet host name", "line 2: 'v1.2' is not an Internet host name",
+                "line 4: '-----' is not an Internet host name", "line 5: 'e.g' is not an Internet host name",
+                "line 6: 'localhost' is not an Internet host name", "line 7: 'intranet' is not an Internet host name",
+                "line 8: a line longer than 8192 bytes", "line 9: URL longer than 2048 characters",
+                "line 10: a line longer than 8192 bytes"}));
+  EXPECT_EQ(Stored().sites, (std::set<std::string>{"whole.example", "192.0.2.7", "404"}));
 }
 
 TEST_F(ImportTest, UrlListsAndUrlhausCsv) {
@@ -111,8 +162,10 @@ TEST_F(ImportTest, UrlListsAndUrlhausCsv) {
          "# id,dateadded,url,url_status,last_online,threat,tags,urlhaus_link,reporter\n"
          "\"1\",\"2026-01-01 00:00:00\",\"http://h.example/bin.exe\",\"online\",\"\",\"malware_download\","
          "\"exe\",\"https://urlhaus.abuse.ch/url/1/\",\"x\"\n"
-         "\"2\",\"2026-01-01 00:00:00\",\"http://i.example/bin.exe\"\n");
-  EXPECT_EQ(recorder.rejections, (std::vector<std::string>{"line 3: expected 9 columns, found 3"}));
+         "\"2\",\"2026-01-01 00:00:00\",\"http://i.example/bin.exe\"\n" +
+             std::string(70000, ',') + "\n");
+  EXPECT_EQ(recorder.rejections, (std::vector<std::string>{"line 3: expected 9 columns, found 3",
+                                                           "line 4: a line longer than 65536 bytes"}));
 
   const Contents stored = Stored();
   EXPECT_EQ(stored.sites, (std::set<std::string>{"whole.example", "e_e.example"}));

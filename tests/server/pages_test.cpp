@@ -11,7 +11,7 @@ bool Has(const std::string& text, const std::string& part) { return text.find(pa
 class PagesTest : public ::testing::Test {
  protected:
   void SetUp() override { server.Start(); }
-  std::vector<Report> StoredReports() { return OpenSqliteStorage(server.database)->Reports(); }
+  std::vector<Report> StoredReports() { return ReadSqliteReports(server.database); }
   ServerFixture server;
 };
 

@@ -55,6 +55,14 @@ TEST_F(UpdatesTest, OnlyPublishedFilesAreServed) {
         "/updates/%2Fetc%2Fpasswd", "/updates/.hidden", "/updates/server"}) {
     EXPECT_EQ(HttpGet(server.Url(path)).status, 404) << path;
   }
+
+  // A link is not followed, wherever it points.
+  WriteText(server.dir / "secret.txt", "not published");
+  std::filesystem::create_symlink(server.dir / "secret.txt", server.data / "outside.dat");
+  std::filesystem::create_symlink("localblock.dat", server.data / "inside.dat");
+  EXPECT_EQ(HttpGet(server.Url("/updates/outside.dat")).status, 404);
+  EXPECT_EQ(HttpGet(server.Url("/updates/inside.dat")).status, 404);
+  EXPECT_EQ(HttpGet(server.Url("/file_hashes?file0=outside.dat")).body, "");
 }
 
 TEST_F(UpdatesTest, HashesAreWhatTheToolbarComputesInTheOrderAsked) {
@@ -101,9 +109,9 @@ TEST(HttpDate, ReadsTheThreeFormsAndWritesTheFirst) {
   EXPECT_EQ(ParseHttpDate("Sun Nov  6 08:49:37 1994"), 784111777);
   EXPECT_EQ(ParseHttpDate("Thu, 1 Jan 1970 00:00:00 GMT"), 0);
   EXPECT_EQ(ParseHttpDate(FormatHttpDate(1767323045)), 1767323045);
-  EXPECT_FALSE(ParseHttpDate("Sun, 06 Nov 1994"));
-  EXPECT_FALSE(ParseHttpDate("Sun, 32 Nov 1994 08:49:37 GMT"));
-  EXPECT_FALSE(ParseHttpDate("Sun, 06 Nov 1994 25:00:00 GMT"));
+  for (const char* unreadable : {"", "yesterday", "Sun, 32 Nov 1994 08:49:37 GMT", "Sun, 06 Nov 1994 25:00:00 GMT"}) {
+    EXPECT_FALSE(ParseHttpDate(unreadable)) << unreadable;
+  }
 }
 
 }  // namespace
