@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "check/Canonicalizer.h"
+#include "check/PatternBudget.h"
 #include "check/PatternList.h"
 #include "check/Resolver.h"
 #include "check/Rex.h"
@@ -64,7 +65,8 @@ class CheckURL {
   CheckURL(CheckPorts ports, std::shared_ptr<ComponentObject> rexObject);
 
   bool Failed() const { return rexObject_ == nullptr; }
-  void SetURLPatterns(std::string_view text) { urlPatterns_ = Split(text, "\r\n"); }
+  // Also compiles the patterns in the regex object, once for the list.
+  void SetURLPatterns(std::string_view text);
   const std::string& GetLastResponse() const { return lastResponse_; }
   void SetLastResponse(std::string text) { lastResponse_ = std::move(text); }
 
@@ -84,7 +86,9 @@ class CheckURL {
   CheckPorts ports_;
   std::shared_ptr<ComponentObject> rexObject_;
   mdlDNS dns_;
-  PatternList urlPatterns_;
+  PatternList urlPatterns_{"localblock", "i"};
+  // The time left for patterns during a check.
+  std::optional<PatternBudget> budget_;
   std::string lastResponse_;
   CheckOutcome outcome_;
 };
