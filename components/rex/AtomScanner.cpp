@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <bit>
-#include <unordered_map>
 
 namespace tarnwick::rex {
 namespace {
@@ -41,10 +40,12 @@ AtomScanner::AtomScanner(const std::vector<std::string>& atoms) {
     shortAtoms_[next[first]++] = atom;
   }
 
-  // How many atoms hold each piece; each longer atom is filed under its
-  // least shared one.
-  std::unordered_map<std::uint32_t, std::uint32_t> sharing;
-  sharing.reserve(text_.size());
+  // About how many atoms hold each piece (counted in hashed buckets, so a
+  // collision only makes a piece look more shared); each longer atom is
+  // filed under its least shared one.
+  const unsigned countBits = std::clamp(Log2Ceiling(text_.size()), 12u, 22u);
+  std::vector<std::uint32_t> sharing(std::size_t{1} << countBits, 0);
+  const auto bucket = [&](std::uint32_t piece) -> std::uint32_t& { return sharing[Mix(piece) >> (64 - countBits)]; };
   std::vector<std::uint32_t> pieces;
   const auto piecesOf = [&](std::uint32_t atom) {
     pieces.clear();
@@ -56,7 +57,7 @@ AtomScanner::AtomScanner(const std::vector<std::string>& atoms) {
     piecesOf(atom);
     std::sort(pieces.begin(), pieces.end());
     pieces.erase(std::unique(pieces.begin(), pieces.end()), pieces.end());
-    for (const std::uint32_t piece : pieces) ++sharing[piece];
+    for (const std::uint32_t piece : pieces) ++bucket(piece);
   }
   struct Filed {
     std::uint32_t piece;
@@ -68,7 +69,7 @@ AtomScanner::AtomScanner(const std::vector<std::string>& atoms) {
     piecesOf(atom);
     std::size_t best = 0;
     for (std::size_t at = 1; at < pieces.size(); ++at) {
-      if (sharing[pieces[at]] < sharing[pieces[best]]) best = at;
+      if (bucket(pieces[at]) < bucket(pieces[best])) best = at;
     }
     filed.push_back({pieces[best], {atom, static_cast<std::uint32_t>(best)}});
   }

@@ -67,7 +67,6 @@ const CompiledPattern* PatternSet::Compiled(std::uint32_t index, Log& log) {
 
 std::int32_t PatternSet::FirstMatch(std::string_view subject, std::optional<std::chrono::microseconds> time,
                                     Matcher& matcher, Log& log) {
-  const auto start = std::chrono::steady_clock::now();
   folded_.resize(subject.size());
   std::transform(subject.begin(), subject.end(), folded_.begin(), FoldByte);
   candidates_.clear();
@@ -79,6 +78,7 @@ std::int32_t PatternSet::FirstMatch(std::string_view subject, std::optional<std:
   candidates_.erase(std::unique(candidates_.begin(), candidates_.end()), candidates_.end());
 
   std::string error;
+  const auto start = candidates_.empty() ? std::chrono::steady_clock::time_point() : std::chrono::steady_clock::now();
   for (const std::uint32_t index : candidates_) {
     if (time && std::chrono::steady_clock::now() - start >= *time) return kSetOutOfTime;
     const CompiledPattern* pattern = Compiled(index, log);

@@ -147,6 +147,11 @@ class Reader {
     for (;;) {
       SkipQuoteMarks();
       if (AtEnd() || (!quoting_ && (Peek() == '|' || Peek() == ')'))) break;
+      if (const char plain = run.size() == 1 ? PlainCharacter() : '\0'; plain != '\0') {
+        run[0] += FoldByte(plain);  // the common case, without building a demand
+        if (run[0].size() > kMaxExactLength) endRun({std::string()});
+        continue;
+      }
       Demand item = Item();
       if (!item.exact) {
         endRun({std::string()});
@@ -168,6 +173,27 @@ class Reader {
     }
     if (exact) return Exact(std::move(run));
     return {std::nullopt, Better(std::move(best), Minimal(std::move(run)))};
+  }
+
+  // The next character when it is plain literal text, or an escaped
+  // punctuation character, with no quantifier after it (then it is
+  // consumed); '\0' otherwise.
+  char PlainCharacter() {
+    if (quoting_) return '\0';
+    std::size_t length = 1;
+    char c = Peek();
+    if (c == '\\') {
+      c = Peek(1);
+      length = 2;
+      if (std::isalnum(static_cast<unsigned char>(c)) || c == '\0') return '\0';
+    } else if (std::strchr(".^$|()[]{}*+?", c) != nullptr) {
+      return '\0';
+    }
+    if (static_cast<unsigned char>(c) >= 0x80 || c == '\0') return '\0';
+    const char next = Peek(length);
+    if (next == '*' || next == '+' || next == '?' || next == '{' || next == '\\') return '\0';
+    at_ += length;
+    return c;
   }
 
   // \E ends quoting (and alone is ignored); an empty \Q\E is nothing.
