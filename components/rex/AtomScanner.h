@@ -48,10 +48,6 @@ class AtomScanner {
     return piece;
   }
   static std::uint64_t Mix(std::uint32_t piece) { return piece * 0x9E3779B97F4A7C15ull; }
-  bool MayHold(std::uint64_t mixed) const {
-    const std::uint64_t mask = (1ull << ((mixed >> 20) & 63)) | (1ull << ((mixed >> 26) & 63));
-    return (bloom_[mixed >> bloomShift_] & mask) == mask;
-  }
   const Slot* Find(std::uint32_t piece) const;
   bool OccursAt(std::string_view text, std::size_t start, std::uint32_t atom) const {
     const std::size_t length = starts_[atom + 1] - starts_[atom];
@@ -84,9 +80,13 @@ void AtomScanner::Scan(std::string_view text, Found&& found) const {
     }
   }
   if (anchors_.empty() || size < 4) return;
+  const std::uint64_t* bloom = bloom_.data();
+  const unsigned shift = bloomShift_;
   for (std::size_t at = 0; at + 4 <= size; ++at) {
     const std::uint32_t piece = Piece(data + at);
-    if (!MayHold(Mix(piece))) continue;
+    const std::uint64_t mixed = Mix(piece);
+    const std::uint64_t word = bloom[mixed >> shift];
+    if (((word >> ((mixed >> 20) & 63)) & (word >> ((mixed >> 26) & 63)) & 1) == 0) continue;
     const Slot* slot = Find(piece);
     if (slot == nullptr) continue;
     for (std::uint32_t i = slot->first; i < slot->first + slot->count; ++i) {

@@ -67,8 +67,7 @@ const CompiledPattern* PatternSet::Compiled(std::uint32_t index, Log& log) {
 
 std::int32_t PatternSet::FirstMatch(std::string_view subject, std::optional<std::chrono::microseconds> time,
                                     Matcher& matcher, Log& log) {
-  folded_.resize(subject.size());
-  std::transform(subject.begin(), subject.end(), folded_.begin(), FoldByte);
+  Fold(subject, folded_);
   candidates_.clear();
   scanner_->Scan(folded_, [this](std::uint32_t atom) {
     candidates_.insert(candidates_.end(), byAtom_.begin() + atomStarts_[atom], byAtom_.begin() + atomStarts_[atom + 1]);

@@ -70,6 +70,16 @@ TEST(RequiredAtomsTest, ClassesEndWhereTheyEnd) {
   EXPECT_EQ(RequiredAtoms("[a\\Q]\\E]login"), std::nullopt);
 }
 
+TEST(AtomScannerTest, FoldingEightBytesAtATimeFoldsEachByteAlone) {
+  std::string every;
+  for (int byte = 0; byte < 256; ++byte) every += static_cast<char>(byte);
+  for (std::size_t start = 0; start < 9; ++start) {
+    std::string folded;
+    rex::Fold(std::string_view(every).substr(start), folded);
+    for (std::size_t i = 0; i < folded.size(); ++i) ASSERT_EQ(folded[i], rex::FoldByte(every[start + i])) << i;
+  }
+}
+
 TEST(AtomScannerTest, FindsEveryOccurrenceANaiveSearchFinds) {
   std::mt19937 random(7);
   const auto text = [&](std::size_t length) {
