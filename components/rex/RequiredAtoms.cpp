@@ -10,7 +10,7 @@ namespace {
 
 // An exact set stays exact up to this many strings of up to this length;
 // beyond that it becomes a disjunction of atoms.
-constexpr std::size_t kMaxExactStrings = 16;
+constexpr std::size_t kMaxExactStrings = 256;
 constexpr std::size_t kMaxExactLength = 64;
 // A disjunction of more atoms than this says too little to be worth keeping.
 constexpr std::size_t kMaxAtoms = 256;
