@@ -5,8 +5,8 @@
 // within the same time limit.
 #include <algorithm>
 #include <chrono>
-#include <ctime>
 #include <cstdio>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -53,8 +53,9 @@ void PrintAnswer(const std::string& url, std::int32_t index, const std::vector<s
 // Times per URL are taken on the wall clock, whose median a busy machine
 // barely moves; the mean is the processor time of all the questions, which
 // other programs do not inflate.
-void PrintStatistics(Clock::duration compileWall, double compileCpu, const std::optional<std::vector<std::string>>& info,
-                     std::vector<Clock::duration>& times, double questionsCpu) {
+void PrintStatistics(Clock::duration compileWall, double compileCpu,
+                     const std::optional<std::vector<std::string>>& info, std::vector<Clock::duration>& times,
+                     double questionsCpu) {
   std::fprintf(stderr, "compile time: %.1f ms (processor %.1f ms)\n", Microseconds(compileWall) / 1000,
                compileCpu * 1000);
   if (info && info->size() == 3) {

@@ -12,7 +12,9 @@ constexpr std::size_t kPiece = 4;
 constexpr std::size_t kBloomBitsPerPiece = 16;
 
 // log2 of the least power of two that is at least `count` (and at least 2).
-unsigned Log2Ceiling(std::size_t count) { return static_cast<unsigned>(std::bit_width(std::max<std::size_t>(count, 2) - 1)); }
+unsigned Log2Ceiling(std::size_t count) {
+  return static_cast<unsigned>(std::bit_width(std::max<std::size_t>(count, 2) - 1));
+}
 
 }  // namespace
 

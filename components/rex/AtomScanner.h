@@ -62,7 +62,8 @@ class AtomScanner {
   unsigned bloomShift_ = 64;
   unsigned slotShift_ = 64;
   std::array<bool, 256> shortFirst_{};  // some atom under four bytes starts with this byte
-  std::vector<std::uint32_t> shortStarts_;  // short atoms by first byte: shortAtoms_[shortStarts_[b], shortStarts_[b+1])
+  std::vector<std::uint32_t>
+      shortStarts_;  // short atoms by first byte: shortAtoms_[shortStarts_[b], shortStarts_[b+1])
   std::vector<std::uint32_t> shortAtoms_;
 };
 

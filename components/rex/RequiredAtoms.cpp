@@ -48,8 +48,9 @@ int Weight(const std::string& atom) {
 // The strings as atoms: nothing when one of them is empty; a string that
 // contains another is dropped, since the shorter one occurs wherever it does.
 std::optional<Strings> Minimal(Strings strings) {
-  std::sort(strings.begin(), strings.end(),
-            [](const std::string& a, const std::string& b) { return a.size() != b.size() ? a.size() < b.size() : a < b; });
+  std::sort(strings.begin(), strings.end(), [](const std::string& a, const std::string& b) {
+    return a.size() != b.size() ? a.size() < b.size() : a < b;
+  });
   Strings kept;
   for (auto& candidate : strings) {
     if (candidate.empty()) return std::nullopt;
@@ -325,10 +326,9 @@ class Reader {
     unsigned long value = 0;
     for (std::size_t read = 0; read < most && !AtEnd(); ++read) {
       const char d = Peek();
-      const int digit = std::isdigit(static_cast<unsigned char>(d)) ? d - '0'
-                        : std::isxdigit(static_cast<unsigned char>(d))
-                            ? (FoldByte(d) - 'a' + 10)
-                            : 99;
+      const int digit = std::isdigit(static_cast<unsigned char>(d))    ? d - '0'
+                        : std::isxdigit(static_cast<unsigned char>(d)) ? (FoldByte(d) - 'a' + 10)
+                                                                       : 99;
       if (digit >= base) break;
       value = std::min(value * static_cast<unsigned long>(base) + static_cast<unsigned long>(digit), 0x110000ul);
       ++at_;
@@ -390,12 +390,8 @@ class Reader {
         ++at_;
         return Nothing();
       case '0': return Character(Digits(8, 2));
-      case 'g':
-        SkipReference();
-        return Nothing();
-      case 'k':
-        SkipName();
-        return Nothing();
+      case 'g': SkipReference(); return Nothing();
+      case 'k': SkipName(); return Nothing();
       case 'a': return Literal('\a');
       case 'e': return Literal('\x1B');
       case 'f': return Literal('\f');

@@ -121,7 +121,6 @@ bool RexObject::Prepare(std::string_view pattern, std::string_view flags) {
   return true;
 }
 
-
 bool RexObject::CompileSet(std::string_view name, const std::vector<std::string>& patterns, std::string_view flags,
                            std::string_view tag) {
   PatternSet set(patterns, Flags::Parse(flags).CompileOptions());

@@ -14,7 +14,8 @@ std::string TagOf(const std::vector<std::string>& patterns) {
   std::uint64_t hash = 0xCBF29CE484222325ull;
   const auto mix = [&hash](unsigned char byte) { hash = (hash ^ byte) * 0x100000001B3ull; };
   for (const auto& pattern : patterns) {
-    for (std::size_t size = pattern.size(), i = 0; i < sizeof size; ++i) mix(static_cast<unsigned char>(size >> (8 * i)));
+    for (std::size_t size = pattern.size(), i = 0; i < sizeof size; ++i)
+      mix(static_cast<unsigned char>(size >> (8 * i)));
     for (const char c : pattern) mix(static_cast<unsigned char>(c));
   }
   char text[16];
@@ -36,7 +37,9 @@ void PatternList::Prepare(Rex& rex) {
 
 std::int32_t PatternList::FirstMatch(Rex& rex, std::string_view subject, PatternBudget& budget) {
   if (!set_) return kSetNoMatch;
-  const auto ask = [&] { return budget.Spend([&] { return rex.FirstMatch(name_, subject, tag_, budget.Remaining()); }); };
+  const auto ask = [&] {
+    return budget.Spend([&] { return rex.FirstMatch(name_, subject, tag_, budget.Remaining()); });
+  };
   auto answer = ask();
   if (answer == kSetUnknown && budget.Spend([&] { return rex.CompileSet(name_, patterns_, flags_, tag_); })) {
     answer = ask();

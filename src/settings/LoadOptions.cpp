@@ -68,7 +68,8 @@ void LoadOptions(SettingsStore& store, Ui& ui, std::int32_t defaultTextWindowWid
     options.ServerTimeout = 5;
     mdlRegistry::SaveSetting(store, mdlRegistry::kSettingsKey, "ServerTimeout", std::string("5"), kRegSz);
   }
-  if (options.PatternTimeLimit < 1 || options.PatternTimeLimit > 60000) options.PatternTimeLimit = kDefaultPatternTimeLimit;
+  if (options.PatternTimeLimit < 1 || options.PatternTimeLimit > 60000)
+    options.PatternTimeLimit = kDefaultPatternTimeLimit;
 }
 
 bool ReadShowLabels(SettingsStore& store) {

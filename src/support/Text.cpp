@@ -1,5 +1,5 @@
-#include <algorithm>
 #include "support/Text.h"
+#include <algorithm>
 
 #include <array>
 #include <cstdint>

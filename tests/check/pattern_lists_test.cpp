@@ -39,8 +39,9 @@ TEST_F(PatternListsTest, RunawayLocalPatternsSpendTheTimeLimitAndBlockNothing) {
   checker.SetURLPatterns(Joined(Runaway(1000), "\r\n"));
   EXPECT_FALSE(Navigate(kRunawayUrl));
   EXPECT_EQ(checker.LastOutcome().step, CheckStep::None);
-  EXPECT_TRUE(Logged("(URL_Blocked_Locally) Pattern time limit of 50 ms reached: the patterns not yet tried count "
-                     "as no match"));
+  EXPECT_TRUE(
+      Logged("(URL_Blocked_Locally) Pattern time limit of 50 ms reached: the patterns not yet tried count "
+             "as no match"));
   EXPECT_TRUE(Logged("(URL_Blocked_Locally) returning False"));
   // The server is still asked, and its verdict still counts.
   verdict.status = 403;

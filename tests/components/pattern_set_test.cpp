@@ -127,10 +127,10 @@ struct Generated {
 Generated Generate(unsigned seed) {
   static const char* const kWords[] = {"paypa1", "Secure", "login", "bank", "example", "a", "xn--app1e", "wp-admin"};
   static const char* const kPieces[] = {
-      "\\.",      ".",        "[^/]*",   "(?:www\\.)?", "(a|b)",      "https?://",  "^",       "$",
-      "\\d+",     "(?i)",     "(?-i)",   "\\Qa.b\\E",   "x{2,3}",     "(?=ban)",    "(?!ban)", "(?<=/)",
-      "\\bwp\\b", "(\\w+)\\1", "[A-Z]",  "\\x41",       "\\101",      "(?:ab)*",    "a?",      "b+?",
-      "c*+",      "{",        "{a}",     "\\n",         "(?<n>ab)\\k<n>", "/",      "-",       "(?:log|sign)in"};
+      "\\.",      ".",         "[^/]*", "(?:www\\.)?", "(a|b)",          "https?://", "^",       "$",
+      "\\d+",     "(?i)",      "(?-i)", "\\Qa.b\\E",   "x{2,3}",         "(?=ban)",   "(?!ban)", "(?<=/)",
+      "\\bwp\\b", "(\\w+)\\1", "[A-Z]", "\\x41",       "\\101",          "(?:ab)*",   "a?",      "b+?",
+      "c*+",      "{",         "{a}",   "\\n",         "(?<n>ab)\\k<n>", "/",         "-",       "(?:log|sign)in"};
   std::mt19937 random(seed);
   const auto pick = [&](const auto& table) { return std::string(table[random() % std::size(table)]); };
   Generated out;
@@ -154,10 +154,11 @@ Generated Generate(unsigned seed) {
 // Lines a block list or a hostile server may hold: broken, runaway,
 // empty, and constructs the atom reader gives up on.
 const std::vector<std::string> kHostile = {
-    "(abc",       "[a-",          "a{2,1}",       "\\",          "",           "(*UTF)(?i)k",
-    "(?x) a b c", "(?#c)login",   "a(?#c)*login", "[[:alpha:]]+login", "[]a]x", "[^]a]xa",
-    "\\Qa|b\\E",  "(?|(a)|(b))c", "(a+)+$",       "(x+x+)+[yz]",    "(?i)SECURE", "^$",
-    "\\Aa",       "(?s).+bank",   "ba(?=n)nk",    "b\\x{61}nk",  "(?:)",       "\\d{8,10}"};
+    "(abc",        "[a-",        "a{2,1}",     "\\",           "",
+    "(*UTF)(?i)k", "(?x) a b c", "(?#c)login", "a(?#c)*login", "[[:alpha:]]+login",
+    "[]a]x",       "[^]a]xa",    "\\Qa|b\\E",  "(?|(a)|(b))c", "(a+)+$",
+    "(x+x+)+[yz]", "(?i)SECURE", "^$",         "\\Aa",         "(?s).+bank",
+    "ba(?=n)nk",   "b\\x{61}nk", "(?:)",       "\\d{8,10}"};
 
 TEST_F(PatternSetTest, ASetAnswersWhatThePatternsOneByOneAnswer) {
   std::size_t matched = 0;
