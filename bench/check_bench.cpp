@@ -87,8 +87,8 @@ void BM_LocalPath(benchmark::State& state) {
   for (auto _ : state) {
     std::string url = urls[next++ % urls.size()];
     PatternBudget budget(engine.process.log, engine.process.options.PatternTimeLimit);
-    bool decided = rex.Test(url, "^(javascript|jscript|vbscript|telnet|about|msc|htc|hcp|callto|ymsgr|res|mailto):") ||
-                   (withZone && pageFetch.MapZone(url) < 3) || engine.process.XSS.Contains_XSS(url, rex, budget);
+    bool decided = CheckURL::HasUncheckedScheme(url, rex) || (withZone && pageFetch.MapZone(url) < 3) ||
+                   engine.process.XSS.Contains_XSS(url, rex, budget);
     if (!decided) decided = local.FirstMatch(rex, url, budget) >= 0;
     blocked += decided;
   }

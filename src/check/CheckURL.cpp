@@ -1,5 +1,8 @@
 #include "check/CheckURL.h"
 
+#include <algorithm>
+#include <array>
+
 #include "ProductInfo.h"
 #include "net/PageFetch.h"
 #include "settings/SettingValue.h"
@@ -35,6 +38,27 @@ std::string DecodeB64(std::string_view text) {
     }
   }
   return out;
+}
+
+// The schemes a check never looks at. The filter's pattern is made from
+// them; a URL that begins with none of them followed by ':' cannot match it
+// and is not given to the component (most URLs are http and https).
+constexpr std::array<std::string_view, 12> kUncheckedSchemes = {
+    "javascript", "jscript", "vbscript", "telnet", "about", "msc", "htc", "hcp", "callto", "ymsgr", "res", "mailto"};
+
+bool MayHaveUncheckedScheme(std::string_view URL) {
+  return std::any_of(kUncheckedSchemes.begin(), kUncheckedSchemes.end(), [URL](std::string_view scheme) {
+    return URL.size() > scheme.size() && URL.starts_with(scheme) && URL[scheme.size()] == ':';
+  });
+}
+
+const std::string& UncheckedSchemePattern() {
+  static const std::string pattern = [] {
+    std::string alternatives;
+    for (const auto scheme : kUncheckedSchemes) alternatives += (alternatives.empty() ? "" : "|") + std::string(scheme);
+    return "^(" + alternatives + "):";
+  }();
+  return pattern;
 }
 
 // The server's patterns: Base64 of a TAB-separated list. Nothing decoded
@@ -88,6 +112,10 @@ void CheckURL::SetURLPatterns(std::string_view text) {
   urlPatterns_.Prepare(rex);
 }
 
+bool CheckURL::HasUncheckedScheme(std::string_view URL, Rex& rex) {
+  return MayHaveUncheckedScheme(URL) && rex.Test(URL, UncheckedSchemePattern());
+}
+
 bool CheckURL::IsInternetZone(const std::string& URL) {
   try {
     if (!ports_.http.pageFetch) throw RoutineError(91, "Object variable or With block variable not set");
@@ -106,7 +134,7 @@ void CheckURL::Check(std::string URL, const std::vector<std::uint8_t>& postData,
   Log& log = ports_.log;
   Rex rex(*rexObject_);
   try {
-    if (rex.Test(URL, "^(javascript|jscript|vbscript|telnet|about|msc|htc|hcp|callto|ymsgr|res|mailto):")) {
+    if (HasUncheckedScheme(URL, rex)) {
       Cancel = false;
       log.DebugLog("(CheckURL) Not Checking URL: " + URL);
       outcome_.step = CheckStep::Scheme;

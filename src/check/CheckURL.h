@@ -74,6 +74,9 @@ class CheckURL {
   // to be stopped; where the check does not decide it keeps its value.
   void Check(std::string URL, const std::vector<std::uint8_t>& postData, bool& Cancel);
   bool IsInternetZone(const std::string& URL);
+  // The scheme filter: whether the URL is one a check never looks at
+  // (javascript:, mailto: and the like; case-sensitive).
+  static bool HasUncheckedScheme(std::string_view URL, Rex& rex);
 
   const CheckOutcome& LastOutcome() const { return outcome_; }
 
