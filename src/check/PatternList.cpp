@@ -44,8 +44,10 @@ std::int32_t PatternList::FirstMatch(Rex& rex, std::string_view subject, Pattern
   if (answer == kSetUnknown && budget.Spend([&] { return rex.CompileSet(name_, patterns_, flags_, tag_); })) {
     answer = ask();
   }
-  if (!answer || *answer == kSetUnknown) return FirstMatchOneByOne(rex, subject, budget);
-  return *answer;
+  // An answer that names no pattern of the list is not one to act on.
+  const bool usable = answer && *answer >= kSetOutOfTime && *answer < static_cast<std::int64_t>(patterns_.size()) &&
+                      (*answer < 0 || !patterns_[static_cast<std::size_t>(*answer)].empty());
+  return usable ? *answer : FirstMatchOneByOne(rex, subject, budget);
 }
 
 std::int32_t PatternList::FirstMatchOneByOne(Rex& rex, std::string_view subject, PatternBudget& budget) {
