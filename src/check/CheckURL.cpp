@@ -61,14 +61,14 @@ const std::string& UncheckedSchemePattern() {
   return pattern;
 }
 
-// The server's patterns: Base64 of a TAB-separated list. Nothing decoded
-// is no pattern at all (an empty entry is skipped when tried). The list is
-// cut to what a sane server sends with room to spare (the reference server
-// sends at most 100 patterns in 48 KiB): each pattern is read for its atoms
-// and may be compiled during the check, and a hostile answer must not make
-// that cost what a whole block list does.
+// What a sane server sends, with room to spare (the reference server sends
+// at most 100 patterns in 48 KiB): each pattern is read for its atoms and
+// may be compiled during the check, and a hostile answer must not make that
+// cost what a whole block list does.
 constexpr std::size_t kMaxServerPatterns = 1000;
 constexpr std::size_t kMaxServerPatternBytes = 64 * 1024;
+
+}  // namespace
 
 std::vector<std::string> ServerPatterns(std::string_view header, Log& log) {
   const std::string text = header.empty() ? std::string() : DecodeB64(header);
@@ -86,8 +86,6 @@ std::vector<std::string> ServerPatterns(std::string_view header, Log& log) {
   }
   return patterns;
 }
-
-}  // namespace
 
 const char* CheckStepName(CheckStep step) {
   switch (step) {

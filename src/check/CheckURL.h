@@ -58,6 +58,12 @@ struct CheckOutcome {
   bool blocked = false;  // the navigation was cancelled
 };
 
+// The server's X-Phishing-Patterns value: Base64 of a TAB-separated list.
+// Nothing decoded is no pattern at all (an empty entry is kept, and skipped
+// when tried); the list is cut to its first 1,000 patterns and 64 KiB, with
+// a debug-log line saying so.
+std::vector<std::string> ServerPatterns(std::string_view header, Log& log);
+
 class CheckURL {
  public:
   // `rexObject` is the Tarnwick.Rex object the band created; null when its
