@@ -57,6 +57,7 @@ int RunFetch(std::vector<std::string> args);
 int RunUpdate(std::vector<std::string> args);
 int RunCheck(std::vector<std::string> args);
 int RunRex(const std::vector<std::string>& args);
+int RunMatch(std::vector<std::string> args);
 int RunBlockPage(const std::vector<std::string>& args);
 int RunComponents(const std::vector<std::string>& args);
 

@@ -29,6 +29,12 @@ constexpr const char* kHelp =
     "                              the regular-expression component's answer: True or False (exit\n"
     "                              status 1 for False), the groups one per line (or 'no match'), or\n"
     "                              the replaced text; FLAGS are letters of i, g, e, s\n"
+    "  match [--flags FLAGS] [--json] [--stats] PATTERN_FILE\n"
+    "                              compile the file's lines as one pattern set (flags 'i' unless\n"
+    "                              given) and print, for each URL of standard input, the index of\n"
+    "                              the first line that matches (-1 for none), a TAB and the line;\n"
+    "                              --stats: compile time, memory and time per URL on standard error;\n"
+    "                              exit status 1 when a URL matched\n"
     "  blockpage                   print the block page (about:PhishingSite) as HTML\n"
     "  components                  list the components' ProgIDs and their registered files\n"
     "  components register|unregister FILE\n"
@@ -65,6 +71,7 @@ int main(int argc, char** argv) {
     if (args[0] == "update") return RunUpdate(rest);
     if (args[0] == "check") return RunCheck(rest);
     if (args[0] == "rex") return RunRex(rest);
+    if (args[0] == "match") return RunMatch(rest);
     if (args[0] == "blockpage") return RunBlockPage(rest);
     if (args[0] == "components") return RunComponents(rest);
   } catch (const MissingOptionValue& error) {

@@ -49,6 +49,13 @@ std::int32_t Arguments::Integer(std::size_t index) const {
   throw ArgumentError("Argument " + std::to_string(index + 1) + " is not a number");
 }
 
+const std::vector<std::string>& Arguments::Texts(std::size_t index) const {
+  const Variant* value = Find(index);
+  const auto* texts = value != nullptr ? std::get_if<std::vector<std::string>>(value) : nullptr;
+  if (texts == nullptr) throw ArgumentError("Argument " + std::to_string(index + 1) + " is not a text array");
+  return *texts;
+}
+
 std::vector<std::uint8_t>& Arguments::Bytes(std::size_t index) {
   if (index >= values_.size()) throw ArgumentError("Argument " + std::to_string(index + 1) + " is missing");
   Variant& value = values_[index];

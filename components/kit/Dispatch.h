@@ -51,6 +51,8 @@ class Arguments {
   std::string_view TextView(std::size_t index);
   // A number, a Boolean (True is -1) or decimal text; absent or empty is 0.
   std::int32_t Integer(std::size_t index) const;
+  // The text array at `index`, without a copy; good until the member returns.
+  const std::vector<std::string>& Texts(std::size_t index) const;
   // The byte array at `index` for the member to fill (an empty argument
   // becomes one).
   std::vector<std::uint8_t>& Bytes(std::size_t index);

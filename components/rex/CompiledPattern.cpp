@@ -25,6 +25,14 @@ CompiledPattern::CompiledPattern(pcre2_code* code) : code_(code) {
   pcre2_pattern_info(code_, PCRE2_INFO_CAPTURECOUNT, &groups_);
 }
 
+std::size_t CompiledPattern::MemoryBytes() const {
+  std::size_t size = 0;
+  std::size_t machineCode = 0;
+  pcre2_pattern_info(code_, PCRE2_INFO_SIZE, &size);
+  if (pcre2_pattern_info(code_, PCRE2_INFO_JITSIZE, &machineCode) != 0) machineCode = 0;
+  return size + machineCode;
+}
+
 CompiledPattern::~CompiledPattern() { pcre2_code_free(code_); }
 
 void CompiledPattern::CompileToMachineCode() {

@@ -27,6 +27,8 @@ class CompiledPattern {
   void CompileToMachineCode();
 
   const pcre2_code* code() const { return code_; }
+  // Bytes of the compiled pattern and of its machine code.
+  std::size_t MemoryBytes() const;
   // Capturing groups in the pattern.
   std::uint32_t groups() const { return groups_; }
 

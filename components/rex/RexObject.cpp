@@ -1,10 +1,13 @@
 #include "RexObject.h"
 
+#include <algorithm>
 #include <optional>
 #include <vector>
 
+#include "Diagnostics.h"
 #include "Expression.h"
 #include "Flags.h"
+#include "support/PatternSetAnswer.h"
 
 namespace tarnwick::rex {
 
@@ -19,19 +22,32 @@ RexObject::RexObject(Log& log)
              return Replace(a.TextView(0), a.TextView(1), a.TextView(2), a.TextView(3));
            }},
           {"Prepare", 1, 2, [this](kit::Arguments& a) -> Variant { return Prepare(a.TextView(0), a.TextView(1)); }},
+          {"CompileSet", 2, 4,
+           [this](kit::Arguments& a) -> Variant {
+             return CompileSet(a.TextView(0), a.Texts(1), a.TextView(2), a.TextView(3));
+           }},
+          {"FirstMatch", 2, 4,
+           [this](kit::Arguments& a) -> Variant {
+             std::optional<std::chrono::microseconds> time;
+             if (a.size() > 3 && !std::holds_alternative<std::monostate>(a.Get(3))) {
+               time = std::chrono::microseconds(std::max(a.Integer(3), 0));
+             }
+             return FirstMatch(a.TextView(0), a.TextView(1), a.TextView(2), time);
+           }},
+          {"SetInfo", 1, 1, [this](kit::Arguments& a) -> Variant { return SetInfo(a.TextView(0)); }},
       }),
       log_(log) {}
 
 std::shared_ptr<const CompiledPattern> RexObject::Compiled(std::string_view pattern, std::uint32_t options) {
   if (prepared_.compiled && prepared_.options == options && prepared_.pattern == pattern) return prepared_.compiled;
   const PatternCache::Entry& entry = cache_.Get(pattern, options);
-  if (!entry.pattern) log_.DebugLog("(Rex) Pattern does not compile (" + entry.error + "): " + std::string(pattern));
+  if (!entry.pattern) LogDoesNotCompile(log_, entry.error, pattern);
   return entry.pattern;
 }
 
 bool RexObject::Finished(MatchOutcome outcome, std::string_view pattern, const std::string& error) {
   if (outcome != MatchOutcome::Failed) return true;
-  log_.DebugLog("(Rex) Pattern gave up (" + error + "): " + std::string(pattern));
+  LogGaveUp(log_, error, pattern);
   return false;
 }
 
@@ -103,6 +119,30 @@ bool RexObject::Prepare(std::string_view pattern, std::string_view flags) {
   if (!prepared_.compiled) return false;
   prepared_.compiled->CompileToMachineCode();
   return true;
+}
+
+bool RexObject::CompileSet(std::string_view name, const std::vector<std::string>& patterns, std::string_view flags,
+                           std::string_view tag) {
+  PatternSet set(patterns, Flags::Parse(flags).CompileOptions());
+  const auto found = sets_.find(name);
+  if (found != sets_.end()) sets_.erase(found);
+  sets_.emplace(std::string(name), NamedSet{std::string(tag), std::move(set)});
+  return true;
+}
+
+std::int32_t RexObject::FirstMatch(std::string_view name, std::string_view subject, std::string_view tag,
+                                   std::optional<std::chrono::microseconds> time) {
+  const auto found = sets_.find(name);
+  if (found == sets_.end() || found->second.tag != tag) return kSetUnknown;
+  return found->second.set.FirstMatch(subject, time, matcher_, log_);
+}
+
+Variant RexObject::SetInfo(std::string_view name) const {
+  const auto found = sets_.find(name);
+  if (found == sets_.end()) return std::monostate{};
+  const PatternSet& set = found->second.set;
+  return std::vector<std::string>{std::to_string(set.size()), std::to_string(set.WithoutAtoms()),
+                                  std::to_string(set.MemoryBytes())};
 }
 
 }  // namespace tarnwick::rex

@@ -14,6 +14,18 @@
 //       machine code, and keeps it with the object, out of reach of the
 //       cache's dropping: for a pattern matched over and over, as the
 //       information strip does; True when it compiles
+//   CompileSet(name, patterns [, flags [, tag]])  keeps the text array
+//       `patterns` as the pattern set `name` (PatternSet.h), replacing the
+//       set of that name; `tag`, any text, tells versions of a list apart.
+//       True.
+//   FirstMatch(name, subject [, tag [, microseconds]])  the index of the
+//       first pattern of set `name` that matches the subject, kSetNoMatch
+//       (-1), kSetOutOfTime (-2) when the time given ran out first (no
+//       limit without it), or kSetUnknown (-3) when the object holds no set
+//       of that name and tag (support/PatternSetAnswer.h)
+//   SetInfo(name)                           the set's patterns, those without
+//       a usable atom, and its bytes in memory, as decimal texts; empty when
+//       there is no such set
 //
 // Flags are the letters "i", "g", "e", "s" in any order. A pattern that does
 // not compile, or whose match runs into PCRE2's limits, answers "no match"
@@ -22,14 +34,18 @@
 // of the call.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
+#include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
 #include "Dispatch.h"
 #include "Matcher.h"
 #include "PatternCache.h"
+#include "PatternSet.h"
 #include "support/Log.h"
 
 namespace tarnwick::rex {
@@ -47,6 +63,11 @@ class RexObject final : public kit::Dispatcher {
   std::string Replace(std::string_view subject, std::string_view pattern, std::string_view replacement,
                       std::string_view flags);
   bool Prepare(std::string_view pattern, std::string_view flags);
+  bool CompileSet(std::string_view name, const std::vector<std::string>& patterns, std::string_view flags,
+                  std::string_view tag);
+  std::int32_t FirstMatch(std::string_view name, std::string_view subject, std::string_view tag,
+                          std::optional<std::chrono::microseconds> time);
+  Variant SetInfo(std::string_view name) const;
 
  private:
   // The compiled pattern, or nullptr after logging why there is none.
@@ -62,6 +83,11 @@ class RexObject final : public kit::Dispatcher {
     std::uint32_t options = 0;
     std::shared_ptr<CompiledPattern> compiled;
   } prepared_;
+  struct NamedSet {
+    std::string tag;
+    PatternSet set;
+  };
+  std::map<std::string, NamedSet, std::less<>> sets_;
 };
 
 }  // namespace tarnwick::rex

@@ -1,9 +1,13 @@
 #include "check/CheckURL.h"
 
+#include <algorithm>
+#include <array>
+
 #include "ProductInfo.h"
 #include "net/PageFetch.h"
 #include "settings/SettingValue.h"
 #include "support/Base64.h"
+#include "support/PatternSetAnswer.h"
 #include "support/RoutineError.h"
 #include "support/Version.h"
 
@@ -16,7 +20,52 @@ std::string BlockedBecause(const std::string& reason) {
   return "The page you are trying to visit has been blocked by the " + std::string(product::kFileDescription) + reason;
 }
 
+// The schemes a check never looks at. The filter's pattern is made from
+// them; a URL that begins with none of them followed by ':' cannot match it
+// and is not given to the component (most URLs are http and https).
+constexpr std::array<std::string_view, 12> kUncheckedSchemes = {
+    "javascript", "jscript", "vbscript", "telnet", "about", "msc", "htc", "hcp", "callto", "ymsgr", "res", "mailto"};
+
+bool MayHaveUncheckedScheme(std::string_view URL) {
+  return std::any_of(kUncheckedSchemes.begin(), kUncheckedSchemes.end(), [URL](std::string_view scheme) {
+    return URL.size() > scheme.size() && URL.starts_with(scheme) && URL[scheme.size()] == ':';
+  });
+}
+
+const std::string& UncheckedSchemePattern() {
+  static const std::string pattern = [] {
+    std::string alternatives;
+    for (const auto scheme : kUncheckedSchemes) alternatives += (alternatives.empty() ? "" : "|") + std::string(scheme);
+    return "^(" + alternatives + "):";
+  }();
+  return pattern;
+}
+
+// What a sane server sends, with room to spare (the reference server sends
+// at most 100 patterns in 48 KiB): each pattern is read for its atoms and
+// may be compiled during the check, and a hostile answer must not make that
+// cost what a whole block list does.
+constexpr std::size_t kMaxServerPatterns = 1000;
+constexpr std::size_t kMaxServerPatternBytes = 64 * 1024;
+
 }  // namespace
+
+std::vector<std::string> ServerPatterns(std::string_view header, Log& log) {
+  const std::string text = header.empty() ? std::string() : DecodeB64(header);
+  if (text.empty()) return {};
+  std::vector<std::string> patterns = Split(text, "\t");
+  std::size_t kept = 0;
+  for (std::size_t bytes = 0; kept < patterns.size() && kept < kMaxServerPatterns; ++kept) {
+    bytes += patterns[kept].size() + 1;
+    if (bytes > kMaxServerPatternBytes + 1) break;
+  }
+  if (kept < patterns.size()) {
+    log.DebugLog("(URL_Blocked_Remotely) Using the first " + std::to_string(kept) + " of " +
+                 std::to_string(patterns.size()) + " patterns");
+    patterns.resize(kept);
+  }
+  return patterns;
+}
 
 const char* CheckStepName(CheckStep step) {
   switch (step) {
@@ -34,6 +83,17 @@ const char* CheckStepName(CheckStep step) {
 CheckURL::CheckURL(CheckPorts ports, std::shared_ptr<ComponentObject> rexObject)
     : ports_(std::move(ports)), rexObject_(std::move(rexObject)), dns_(ports_.resolver, ports_.log) {}
 
+void CheckURL::SetURLPatterns(std::string_view text) {
+  urlPatterns_.Set(Split(text, "\r\n"));
+  if (Failed()) return;
+  Rex rex(*rexObject_);
+  urlPatterns_.Prepare(rex);
+}
+
+bool CheckURL::HasUncheckedScheme(std::string_view URL, Rex& rex) {
+  return MayHaveUncheckedScheme(URL) && rex.Test(URL, UncheckedSchemePattern());
+}
+
 bool CheckURL::IsInternetZone(const std::string& URL) {
   try {
     if (!ports_.http.pageFetch) throw RoutineError(91, "Object variable or With block variable not set");
@@ -48,10 +108,11 @@ bool CheckURL::IsInternetZone(const std::string& URL) {
 void CheckURL::Check(std::string URL, const std::vector<std::uint8_t>& postData, bool& Cancel) {
   outcome_ = {};
   if (Failed()) return;
+  budget_.emplace(ports_.log, ports_.options.PatternTimeLimit);
   Log& log = ports_.log;
   Rex rex(*rexObject_);
   try {
-    if (rex.Test(URL, "^(javascript|jscript|vbscript|telnet|about|msc|htc|hcp|callto|ymsgr|res|mailto):")) {
+    if (HasUncheckedScheme(URL, rex)) {
       Cancel = false;
       log.DebugLog("(CheckURL) Not Checking URL: " + URL);
       outcome_.step = CheckStep::Scheme;
@@ -81,8 +142,8 @@ void CheckURL::Check(std::string URL, const std::vector<std::uint8_t>& postData,
 
     bool reportHint = true;
     std::string postText(postData.begin(), postData.end());
-    const bool postXss = !postText.empty() && ports_.xss.Contains_XSS(postText, rex);
-    const bool urlXss = ports_.xss.Contains_XSS(URL, rex);
+    const bool postXss = !postText.empty() && ports_.xss.Contains_XSS(postText, rex, *budget_);
+    const bool urlXss = ports_.xss.Contains_XSS(URL, rex, *budget_);
     if (postXss || urlXss) {
       outcome_.message =
           "The page you are trying to visit is using Cross-Site Scripting (XSS).\r\n"
@@ -139,14 +200,15 @@ void CheckURL::Decide(const std::string& URL, bool reportHint, bool& Cancel) {
 }
 
 void CheckURL::URL_Blocked_Locally(const std::string& URL, bool& blocked) {
-  if (!urlPatterns_) return;
+  if (!urlPatterns_.IsSet()) return;
   Rex rex(*rexObject_);
-  for (const auto& pattern : *urlPatterns_) {
-    if (!pattern.empty() && rex.Test(URL, pattern, "i")) {
-      blocked = true;
-      ports_.log.WriteLog("URL (" + URL + ") blocked by local pattern (" + pattern + ")");
-      break;
-    }
+  const std::int32_t first = urlPatterns_.FirstMatch(rex, URL, *budget_);
+  if (first >= 0) {
+    blocked = true;
+    ports_.log.WriteLog("URL (" + URL + ") blocked by local pattern (" +
+                        urlPatterns_.patterns()[static_cast<std::size_t>(first)] + ")");
+  } else if (first == kSetOutOfTime) {
+    budget_->RanOut("(URL_Blocked_Locally)");
   }
   ports_.log.DebugLog(std::string("(URL_Blocked_Locally) returning ") + (blocked ? "True" : "False"));
 }
@@ -200,9 +262,8 @@ void CheckURL::URL_Blocked_Remotely(const std::string& URL, bool& blocked) {
   } catch (const ConversionError&) {
     ports_.CurrentRiskRank = -1;
   }
-  const std::string encoded = http.GetHeader("X-Phishing-Patterns");
-  const std::vector<std::string> patterns =
-      encoded.empty() ? std::vector<std::string>{} : Split(DecodeB64(encoded), "\t");
+  PatternList patterns("remote", "");
+  patterns.Set(ServerPatterns(http.GetHeader("X-Phishing-Patterns"), log));
   if (http.HTTPStatus == 403) {
     lastResponse_ = http.ResponseText.substr(0, kMaxResponseChars);
     blocked = true;
@@ -215,14 +276,18 @@ void CheckURL::URL_Blocked_Remotely(const std::string& URL, bool& blocked) {
     lastResponse_ =
         "The toolbar server could not be contacted (" + http.ResponseText.substr(0, http.ResponseText.find('(')) + ")";
   }
-  for (std::size_t i = 0; i < patterns.size(); ++i) {
-    log.DebugLog("(URL_Blocked_Remotely) Trying pattern " + std::to_string(i) + ": " + patterns[i]);
-    if (rex.Test(URL, patterns[i])) {
+  const std::int32_t first = patterns.FirstMatch(rex, URL, *budget_);
+  const auto& tried = patterns.patterns();
+  for (std::size_t i = 0; i < tried.size(); ++i) {
+    if (tried[i].empty()) continue;
+    log.DebugLog("(URL_Blocked_Remotely) Trying pattern " + std::to_string(i) + ": " + tried[i]);
+    if (static_cast<std::int32_t>(i) == first) {
       blocked = true;
       lastResponse_ = "(Blocked) " + lastResponse_;
       break;
     }
   }
+  if (first == kSetOutOfTime) budget_->RanOut("(URL_Blocked_Remotely)");
   log.DebugLog(std::string("(URL_Blocked_Remotely) returning ") + (blocked ? "True" : "False"));
 }
 

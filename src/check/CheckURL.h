@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "check/Canonicalizer.h"
+#include "check/PatternBudget.h"
 #include "check/PatternList.h"
 #include "check/Resolver.h"
 #include "check/Rex.h"
@@ -57,6 +58,12 @@ struct CheckOutcome {
   bool blocked = false;  // the navigation was cancelled
 };
 
+// The server's X-Phishing-Patterns value: Base64 of a TAB-separated list.
+// Nothing decoded is no pattern at all (an empty entry is kept, and skipped
+// when tried); the list is cut to its first 1,000 patterns and 64 KiB, with
+// a debug-log line saying so.
+std::vector<std::string> ServerPatterns(std::string_view header, Log& log);
+
 class CheckURL {
  public:
   // `rexObject` is the Tarnwick.Rex object the band created; null when its
@@ -64,7 +71,8 @@ class CheckURL {
   CheckURL(CheckPorts ports, std::shared_ptr<ComponentObject> rexObject);
 
   bool Failed() const { return rexObject_ == nullptr; }
-  void SetURLPatterns(std::string_view text) { urlPatterns_ = Split(text, "\r\n"); }
+  // Also compiles the patterns in the regex object, once for the list.
+  void SetURLPatterns(std::string_view text);
   const std::string& GetLastResponse() const { return lastResponse_; }
   void SetLastResponse(std::string text) { lastResponse_ = std::move(text); }
 
@@ -72,6 +80,9 @@ class CheckURL {
   // to be stopped; where the check does not decide it keeps its value.
   void Check(std::string URL, const std::vector<std::uint8_t>& postData, bool& Cancel);
   bool IsInternetZone(const std::string& URL);
+  // The scheme filter: whether the URL is one a check never looks at
+  // (javascript:, mailto: and the like; case-sensitive).
+  static bool HasUncheckedScheme(std::string_view URL, Rex& rex);
 
   const CheckOutcome& LastOutcome() const { return outcome_; }
 
@@ -84,7 +95,9 @@ class CheckURL {
   CheckPorts ports_;
   std::shared_ptr<ComponentObject> rexObject_;
   mdlDNS dns_;
-  PatternList urlPatterns_;
+  PatternList urlPatterns_{"localblock", "i"};
+  // The time left for patterns during a check.
+  std::optional<PatternBudget> budget_;
   std::string lastResponse_;
   CheckOutcome outcome_;
 };

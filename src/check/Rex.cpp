@@ -1,5 +1,6 @@
 #include "check/Rex.h"
 
+#include <algorithm>
 #include <array>
 
 namespace tarnwick {
@@ -43,6 +44,30 @@ bool Rex::Prepare(std::string_view pattern, std::string_view flags) {
   std::array args{Text(pattern), Text(flags)};
   const auto answer = Call("Prepare", args);
   return answer && std::holds_alternative<bool>(*answer) && std::get<bool>(*answer);
+}
+
+bool Rex::CompileSet(std::string_view name, const std::vector<std::string>& patterns, std::string_view flags,
+                     std::string_view tag) {
+  std::array args{Text(name), Variant(patterns), Text(flags), Text(tag)};
+  const auto answer = Call("CompileSet", args);
+  return answer && std::holds_alternative<bool>(*answer) && std::get<bool>(*answer);
+}
+
+std::optional<std::int32_t> Rex::FirstMatch(std::string_view name, std::string_view subject, std::string_view tag,
+                                            std::chrono::microseconds time) {
+  const auto micros = static_cast<std::int32_t>(std::clamp<std::int64_t>(time.count(), 0, INT32_MAX));
+  std::array args{Text(name), Text(subject), Text(tag), Variant(micros)};
+  const auto answer = Call("FirstMatch", args);
+  if (!answer || !std::holds_alternative<std::int32_t>(*answer)) return std::nullopt;
+  return std::get<std::int32_t>(*answer);
+}
+
+std::optional<std::vector<std::string>> Rex::SetInfo(std::string_view name) {
+  std::array args{Text(name)};
+  auto answer = Call("SetInfo", args);
+  auto* info = answer ? std::get_if<std::vector<std::string>>(&*answer) : nullptr;
+  if (info == nullptr) return std::nullopt;
+  return std::move(*info);
 }
 
 }  // namespace tarnwick

@@ -5,6 +5,8 @@
 // expression, "s" the dot matches line breaks.
 #pragma once
 
+#include <chrono>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -28,6 +30,18 @@ class Rex {
   // Compiles the pattern ahead of the Match calls that use it; true when
   // it compiles.
   bool Prepare(std::string_view pattern, std::string_view flags = {});
+
+  // Keeps `patterns` in the object as the pattern set `name`, with `tag` to
+  // tell versions apart; false when the call failed.
+  bool CompileSet(std::string_view name, const std::vector<std::string>& patterns, std::string_view flags,
+                  std::string_view tag);
+  // The index of the first pattern of the set that matches, or one of the
+  // answers of support/PatternSetAnswer.h; `time` bounds the patterns' run.
+  // nullopt when the call failed (a component without pattern sets).
+  std::optional<std::int32_t> FirstMatch(std::string_view name, std::string_view subject, std::string_view tag,
+                                         std::chrono::microseconds time);
+  // The set's patterns, those without a usable atom and its bytes.
+  std::optional<std::vector<std::string>> SetInfo(std::string_view name);
 
  private:
   // The answer of `member`, or nothing when the call failed.

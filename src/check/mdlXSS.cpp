@@ -1,29 +1,53 @@
 #include "check/mdlXSS.h"
 
+#include <algorithm>
+
+#include "support/PatternSetAnswer.h"
 #include "support/Text.h"
 
 namespace tarnwick {
+namespace {
 
-void mdlXSS::SetXSSPatterns(std::string_view text) { patterns_ = Split(text, "\r\n"); }
+bool HasByte(std::string_view data, char byte) { return data.find(byte) != std::string_view::npos; }
 
+// The bytes the control-character step removes: 0x00-0x08, 0x0E-0x1F,
+// 0x7F-0xFF.
+bool HasControlOrHighByte(std::string_view data) {
+  return std::any_of(data.begin(), data.end(), [](char c) {
+    const auto byte = static_cast<unsigned char>(c);
+    return byte <= 0x08 || (byte >= 0x0E && byte <= 0x1F) || byte >= 0x7F;
+  });
+}
+
+}  // namespace
+
+void mdlXSS::SetXSSPatterns(std::string_view text) { patterns_.Set(Split(text, "\r\n")); }
+
+// Each step runs only where the byte it starts with is there: without it
+// the step cannot match, and the text would come back unchanged.
 std::string mdlXSS::DecodeForXSS(std::string& data, Rex& rex) {
-  data = rex.Replace(data, R"(\+)", " ", "g");
-  data = rex.Replace(data, R"(\%([\da-f]{2}))", "chr(hex($1))", "ige");
-  data = rex.Replace(data, R"([\x00-\x08\x0e-\x1f\x7f-\xff])", "", "g");
-  data = rex.Replace(data, R"(&#(?:x([\da-f]*)|([\d]*));?)", "chr($1 ? hex($1) : $2)", "ige");
-  data = rex.Replace(data, R"(\\)", "", "g");
+  if (HasByte(data, '+')) data = rex.Replace(data, R"(\+)", " ", "g");
+  if (HasByte(data, '%')) data = rex.Replace(data, R"(\%([\da-f]{2}))", "chr(hex($1))", "ige");
+  if (HasControlOrHighByte(data)) data = rex.Replace(data, R"([\x00-\x08\x0e-\x1f\x7f-\xff])", "", "g");
+  if (data.find("&#") != std::string::npos) {
+    data = rex.Replace(data, R"(&#(?:x([\da-f]*)|([\d]*));?)", "chr($1 ? hex($1) : $2)", "ige");
+  }
+  if (HasByte(data, '\\')) data = rex.Replace(data, R"(\\)", "", "g");
   return data;
 }
 
-bool mdlXSS::Contains_XSS(std::string& data, Rex& rex) {
+bool mdlXSS::Contains_XSS(std::string& data, Rex& rex, PatternBudget& budget) {
   log_.DebugLog("(Contains_XSS) Data: " + data);
   if (data.empty() || !options_.BlockXSS) return false;
   DecodeForXSS(data, rex);
-  if (!patterns_) return false;
-  for (const auto& pattern : *patterns_) {
-    if (!pattern.empty() && rex.Test(data, pattern, "si")) return true;
-  }
-  return false;
+  const std::int32_t first = patterns_.FirstMatch(rex, data, budget);
+  if (first == kSetOutOfTime) budget.RanOut("(Contains_XSS)");
+  return first >= 0;
+}
+
+bool mdlXSS::Contains_XSS(std::string& data, Rex& rex) {
+  PatternBudget budget(log_, options_.PatternTimeLimit);
+  return Contains_XSS(data, rex, budget);
 }
 
 bool mdlXSS::PostData_Contains_XSS(const std::vector<std::uint8_t>& postData, Rex& rex) {

@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "check/PatternBudget.h"
 #include "check/PatternList.h"
 #include "check/Rex.h"
 #include "settings/ToolbarOptions.h"
@@ -22,6 +23,8 @@ class mdlXSS {
 
   void SetXSSPatterns(std::string_view text);
   // With BlockXSS on and `data` non-empty, `data` is left in its decoded form.
+  // The patterns draw on `budget`; without one, on a budget of their own.
+  bool Contains_XSS(std::string& data, Rex& rex, PatternBudget& budget);
   bool Contains_XSS(std::string& data, Rex& rex);
   bool PostData_Contains_XSS(const std::vector<std::uint8_t>& postData, Rex& rex);
   std::string DecodeForXSS(std::string& data, Rex& rex);
@@ -29,7 +32,7 @@ class mdlXSS {
  private:
   const ToolbarOptions& options_;
   Log& log_;
-  PatternList patterns_;
+  PatternList patterns_{"xss", "si"};
 };
 
 }  // namespace tarnwick

@@ -9,8 +9,8 @@ namespace tarnwick {
 
 using O = ToolbarOptions;
 
-const std::array<OptionField, 15>& OptionTable() {
-  static const std::array<OptionField, 15> table = {{
+const std::array<OptionField, 16>& OptionTable() {
+  static const std::array<OptionField, 16> table = {{
       {"Debug", &O::Debug, 0},
       {"ForceToolbar", &O::ForceToolbar, 1},
       {"ForceStatusBar", &O::ForceStatusBar, 1},
@@ -26,6 +26,7 @@ const std::array<OptionField, 15>& OptionTable() {
       {"TextWindowWidth", &O::TextWindowWidth, std::nullopt},
       {"DLLUpdateInterval", &O::DLLUpdateInterval, 86400},
       {"BlockAtRiskRank", &O::BlockAtRiskRank, 10},
+      {"PatternTimeLimit", &O::PatternTimeLimit, kDefaultPatternTimeLimit},
   }};
   return table;
 }
@@ -67,6 +68,8 @@ void LoadOptions(SettingsStore& store, Ui& ui, std::int32_t defaultTextWindowWid
     options.ServerTimeout = 5;
     mdlRegistry::SaveSetting(store, mdlRegistry::kSettingsKey, "ServerTimeout", std::string("5"), kRegSz);
   }
+  if (options.PatternTimeLimit < 1 || options.PatternTimeLimit > 60000)
+    options.PatternTimeLimit = kDefaultPatternTimeLimit;
 }
 
 bool ReadShowLabels(SettingsStore& store) {

@@ -15,7 +15,10 @@
 
 namespace tarnwick {
 
-// Before the first load every field is false, zero or empty.
+inline constexpr std::int32_t kDefaultPatternTimeLimit = 200;
+
+// Before the first load every field is false, zero or empty, but
+// PatternTimeLimit, which starts at its default.
 struct ToolbarOptions {
   bool Debug = false;
   bool ForceToolbar = false;
@@ -32,6 +35,9 @@ struct ToolbarOptions {
   std::int32_t TextWindowWidth = 0;
   std::int32_t DLLUpdateInterval = 0;
   std::int32_t BlockAtRiskRank = 0;
+  // Milliseconds one check may spend on patterns in all; never zero, so a
+  // record loaded only in part still lets patterns run.
+  std::int32_t PatternTimeLimit = kDefaultPatternTimeLimit;
 };
 
 // One setting of the table LoadOptions reads, in the order it reads them.
@@ -42,7 +48,7 @@ struct OptionField {
   std::optional<SettingValue> defaultValue;
 };
 
-const std::array<OptionField, 15>& OptionTable();
+const std::array<OptionField, 16>& OptionTable();
 
 // The field's current value as text: booleans "True"/"False", numbers in
 // decimal, strings as they are.
@@ -54,7 +60,7 @@ std::int32_t ComputeDefaultTextWindowWidth(Ui& ui);
 // Reads every setting of the table into `options`. A stored value that does
 // not convert stops the loading there with a message box; the fields from
 // that one on keep what they held. A ServerTimeout over 300 is reset to 5 and
-// written back.
+// written back; a PatternTimeLimit outside 1 to 60000 counts as 200.
 void LoadOptions(SettingsStore& store, Ui& ui, std::int32_t defaultTextWindowWidth, ToolbarOptions& options);
 
 // Two more values of the same key, read where they are used.

@@ -1,4 +1,5 @@
 #include "support/Text.h"
+#include <algorithm>
 
 #include <array>
 #include <cstdint>
@@ -100,7 +101,8 @@ std::string UpperAscii(std::string_view text) {
 }
 
 bool EqualsIgnoreCase(std::string_view a, std::string_view b) {
-  return a.size() == b.size() && LowerAscii(a) == LowerAscii(b);
+  const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(), [&](char x, char y) { return lower(x) == lower(y); });
 }
 
 std::vector<std::string> Split(std::string_view text, std::string_view separator) {

@@ -27,6 +27,22 @@ class TableResolver final : public Resolver {
   std::map<std::string, IPv4Bytes> names;
 };
 
+// The standard Base64 of `text`, as the server encodes its patterns.
+inline std::string Base64(const std::string& text) {
+  static constexpr char kAlphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+  std::string out;
+  for (std::size_t i = 0; i < text.size(); i += 3) {
+    std::uint32_t group = static_cast<unsigned char>(text[i]) << 16;
+    if (i + 1 < text.size()) group |= static_cast<unsigned char>(text[i + 1]) << 8;
+    if (i + 2 < text.size()) group |= static_cast<unsigned char>(text[i + 2]);
+    out += kAlphabet[group >> 18 & 63];
+    out += kAlphabet[group >> 12 & 63];
+    out += i + 1 < text.size() ? kAlphabet[group >> 6 & 63] : '=';
+    out += i + 2 < text.size() ? kAlphabet[group & 63] : '=';
+  }
+  return out;
+}
+
 // What the toolbar server answers to /check_url.
 struct Verdict {
   int status = 200;

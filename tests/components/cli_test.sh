@@ -24,6 +24,26 @@ expect "bad expression" 2 "Replacement expression 'chr\\(': expected a value" \
 expect "usage" 2 '^usage: tarnwick rex' "$tarnwick" rex test onlysubject
 expect "blockpage" 0 '<a href="http://site.example/report_mistake">report it</a>' "$tarnwick" blockpage
 
+# match: a block list's lines as one set; the first line that matches each URL.
+printf '^https?://bank\\.example/\r\n\r\n(broken\r\nLOGIN\r\nbank\n' >"$scratch/list.dat"
+urls=$'http://bank.example/x\nhttps://shop.example/Login?a=1\nhttps://other.example/'
+expect "match first line" 1 $'=0\t^https?://bank\\.example/\n3\tLOGIN\n-1\t' \
+  "$tarnwick" match "$scratch/list.dat" <<<"$urls"
+expect "match case-sensitive" 1 $'=0\t^https?://bank\\.example/\n-1\t\n-1\t' \
+  "$tarnwick" match --flags '' "$scratch/list.dat" <<<"$urls"
+expect "match json" 1 '^\{"url":"https://shop.example/Login\?a=1","index":3,"pattern":"LOGIN"\}$' \
+  "$tarnwick" match --json "$scratch/list.dat" <<<"$urls"
+expect "match json none" 0 '^\{"url":"https://other.example/","index":-1,"pattern":null\}$' \
+  "$tarnwick" match --json "$scratch/list.dat" <<<"https://other.example/"
+expect "match stats" 0 '^patterns without a usable atom: 1$' \
+  "$tarnwick" match --stats "$scratch/list.dat" <<<"https://other.example/"
+expect "match stats time" 0 '^median time per URL: [0-9.]+ us$' \
+  "$tarnwick" match --stats "$scratch/list.dat" <<<"https://other.example/"
+expect "match no file" 2 "cannot read $scratch/none.dat" "$tarnwick" match "$scratch/none.dat" </dev/null
+expect "match a folder" 2 "cannot read $scratch" "$tarnwick" match "$scratch" </dev/null
+expect "match usage" 2 '^usage: tarnwick match' "$tarnwick" match </dev/null
+expect "match flags value" 2 '^tarnwick: --flags needs a value' "$tarnwick" match "$scratch/list.dat" --flags </dev/null
+
 program=$(dirname "$tarnwick")/../lib/tarnwick
 rex=$(cd "$program" && pwd)/tarnwickrex.dll
 expect "listed once created" 0 "^Tarnwick.Rex	$rex$" "$tarnwick" components

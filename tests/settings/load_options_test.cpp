@@ -40,9 +40,19 @@ TEST_F(LoadOptionsTest, AnEmptyKeyGivesTheDefaults) {
   EXPECT_EQ(process.DefaultTextWindowWidth, 1400);
   EXPECT_EQ(o.DLLUpdateInterval, 86400);
   EXPECT_EQ(o.BlockAtRiskRank, 10);
+  EXPECT_EQ(o.PatternTimeLimit, 200);
   EXPECT_TRUE(ReadShowLabels(store));
   EXPECT_EQ(ReadGUID(store), "");
   EXPECT_TRUE(t.ui.shown.empty());
+}
+
+TEST_F(LoadOptionsTest, APatternTimeLimitOutsideOneTo60000MillisecondsCountsAsTheDefault) {
+  for (const auto& [stored, used] : {std::pair{"50", 50}, {"60000", 60000}, {"0", 200}, {"-5", 200}, {"60001", 200}}) {
+    SetText("PatternTimeLimit", stored);
+    process.LoadOptions();
+    EXPECT_EQ(process.options.PatternTimeLimit, used) << stored;
+    EXPECT_EQ(Stored("PatternTimeLimit"), stored);  // not written back
+  }
 }
 
 TEST_F(LoadOptionsTest, ServerTimeoutOver300IsResetAndWrittenBackAsText) {

@@ -1,0 +1,65 @@
+#include "check/PatternList.h"
+
+#include <cstdio>
+
+#include "support/PatternSetAnswer.h"
+
+namespace tarnwick {
+namespace {
+
+// FNV-1a over each pattern's length and bytes: lists differ, tags differ.
+// Fifteen hexadecimal digits, short enough to be copied without an
+// allocation at every question.
+std::string TagOf(const std::vector<std::string>& patterns) {
+  std::uint64_t hash = 0xCBF29CE484222325ull;
+  const auto mix = [&hash](unsigned char byte) { hash = (hash ^ byte) * 0x100000001B3ull; };
+  for (const auto& pattern : patterns) {
+    for (std::size_t size = pattern.size(), i = 0; i < sizeof size; ++i)
+      mix(static_cast<unsigned char>(size >> (8 * i)));
+    for (const char c : pattern) mix(static_cast<unsigned char>(c));
+  }
+  char text[16];
+  std::snprintf(text, sizeof text, "%015llx", static_cast<unsigned long long>(hash >> 4));
+  return text;
+}
+
+}  // namespace
+
+void PatternList::Set(std::vector<std::string> patterns) {
+  patterns_ = std::move(patterns);
+  tag_ = TagOf(patterns_);
+  set_ = true;
+}
+
+void PatternList::Prepare(Rex& rex) {
+  if (set_) rex.CompileSet(name_, patterns_, flags_, tag_);
+}
+
+std::int32_t PatternList::FirstMatch(Rex& rex, std::string_view subject, PatternBudget& budget) {
+  if (!set_) return kSetNoMatch;
+  const auto ask = [&] {
+    return budget.Spend([&] { return rex.FirstMatch(name_, subject, tag_, budget.Remaining()); });
+  };
+  auto answer = ask();
+  if (answer == kSetUnknown && budget.Spend([&] { return rex.CompileSet(name_, patterns_, flags_, tag_); })) {
+    answer = ask();
+  }
+  // An answer that names no pattern of the list is not one to act on.
+  const bool usable = answer && *answer >= kSetOutOfTime && *answer < static_cast<std::int64_t>(patterns_.size()) &&
+                      (*answer < 0 || !patterns_[static_cast<std::size_t>(*answer)].empty());
+  return usable ? *answer : FirstMatchOneByOne(rex, subject, budget);
+}
+
+std::int32_t PatternList::FirstMatchOneByOne(Rex& rex, std::string_view subject, PatternBudget& budget) {
+  if (!set_) return kSetNoMatch;
+  for (std::size_t index = 0; index < patterns_.size(); ++index) {
+    if (patterns_[index].empty()) continue;
+    if (budget.Exhausted()) return kSetOutOfTime;
+    if (budget.Spend([&] { return rex.Test(subject, patterns_[index], flags_); })) {
+      return static_cast<std::int32_t>(index);
+    }
+  }
+  return kSetNoMatch;
+}
+
+}  // namespace tarnwick

@@ -1,0 +1,249 @@
+// Pattern sets: the atoms read from patterns, the scanner that finds them,
+// and the set's answers through Tarnwick.Rex, which must be those of the
+// patterns tried one by one with Test, pattern for pattern.
+#include <gtest/gtest.h>
+
+#include <random>
+#include <set>
+#include <thread>
+
+#include "AtomScanner.h"
+#include "RequiredAtoms.h"
+#include "check/PatternList.h"
+#include "components/ComponentTest.h"
+#include "support/PatternSetAnswer.h"
+
+namespace tarnwick::testing {
+namespace {
+
+using rex::RequiredAtoms;
+using Atoms = std::optional<std::vector<std::string>>;
+
+TEST(RequiredAtomsTest, LiteralTextThePatternCannotMatchWithout) {
+  struct Case {
+    const char* pattern;
+    Atoms atoms;
+  };
+  const Case cases[] = {
+      // A generated block-list line: the host is the rarest demand.
+      {R"(^https?://([^/]*\.)?Paypa1\.example(:\d+)?(/|$))", Atoms{{"paypa1.example"}}},
+      {R"(^https?://)", Atoms{{"http://", "https://"}}},
+      {"abc|defg", Atoms{{"abc", "defg"}}},
+      {"(?:abc)+x", Atoms{{"abc"}}},
+      {R"(\Qa.b\E)", Atoms{{"a.b"}}},
+      {R"(\x41\x{42}c\n)", Atoms{{"abc\n"}}},
+      // A quantifier after \E, or after an empty \Q\E, takes the character
+      // before it.
+      {R"(\Qxyz\E*)", Atoms{{"xy"}}},
+      {R"(ab\Q\E*cd)", Atoms{{"cd"}}},
+      {"ab{0}cde", Atoms{{"cde"}}},
+      {"(?<=/)login(?=\\.php)", Atoms{{"login"}}},
+      {"(?i:Secure)-(\\w+)\\1", Atoms{{"secure-"}}},
+      {"x{a}", Atoms{{"x{a}"}}},
+      // Nothing demanded: an empty branch, optional text, classes.
+      {"abc|", std::nullopt},
+      {"(?:abc)?", std::nullopt},
+      {"a*b?[xyz]+.", std::nullopt},
+      {"\xE9t\xE9", Atoms{{"t"}}},
+      // Constructs read as demanding nothing at all.
+      {"(*UTF)(?i)kelvin", std::nullopt},
+      {"(?x) a b c", std::nullopt},
+      {"(?#note)abc", std::nullopt},
+      {"[[:alpha:]]+login", std::nullopt},
+      {"(?(1)abc|def)", std::nullopt},
+      {"(?C1)abc", std::nullopt},
+      {"a{,3}bcd", std::nullopt},
+      {"\\qabc", std::nullopt},
+      {"(abc", std::nullopt},
+      {"abc)", std::nullopt},
+  };
+  for (const Case& c : cases) EXPECT_EQ(RequiredAtoms(c.pattern), c.atoms) << c.pattern;
+}
+
+TEST(RequiredAtomsTest, ClassesEndWhereTheyEnd) {
+  // The first ']' of a class is a member, as is an escaped one: the literal
+  // text after the class is what is demanded.
+  EXPECT_EQ(RequiredAtoms("[]a]login"), Atoms{{"login"}});
+  EXPECT_EQ(RequiredAtoms("[^]a]login"), Atoms{{"login"}});
+  EXPECT_EQ(RequiredAtoms("[\\]x]login"), Atoms{{"login"}});
+  EXPECT_EQ(RequiredAtoms("[\\c]]login"), Atoms{{"login"}});
+  EXPECT_EQ(RequiredAtoms("[a\\Q]\\E]login"), std::nullopt);
+}
+
+TEST(AtomScannerTest, FoldingEightBytesAtATimeFoldsEachByteAlone) {
+  std::string every;
+  for (int byte = 0; byte < 256; ++byte) every += static_cast<char>(byte);
+  for (std::size_t start = 0; start < 9; ++start) {
+    std::string folded;
+    rex::Fold(std::string_view(every).substr(start), folded);
+    for (std::size_t i = 0; i < folded.size(); ++i) ASSERT_EQ(folded[i], rex::FoldByte(every[start + i])) << i;
+  }
+}
+
+TEST(AtomScannerTest, FindsEveryOccurrenceANaiveSearchFinds) {
+  std::mt19937 random(7);
+  const auto text = [&](std::size_t length) {
+    std::string out;
+    for (std::size_t i = 0; i < length; ++i) out += "abc./"[random() % 5];
+    return out;
+  };
+  for (int round = 0; round < 40; ++round) {
+    std::vector<std::string> atoms;
+    for (int i = 0; i < 60; ++i) atoms.push_back(text(1 + random() % 8));
+    const rex::AtomScanner scanner(atoms);
+    for (int probe = 0; probe < 20; ++probe) {
+      const std::string subject = text(random() % 60);
+      std::multiset<std::uint32_t> expected;
+      for (std::uint32_t atom = 0; atom < atoms.size(); ++atom) {
+        for (auto at = subject.find(atoms[atom]); at != std::string::npos; at = subject.find(atoms[atom], at + 1)) {
+          expected.insert(atom);
+        }
+      }
+      std::multiset<std::uint32_t> found;
+      scanner.Scan(subject, [&](std::uint32_t atom) { found.insert(atom); });
+      ASSERT_EQ(found, expected) << subject;
+    }
+  }
+}
+
+class PatternSetTest : public ComponentTest {
+ protected:
+  std::unique_ptr<ComponentObject> CreateDebugging() {
+    EnableDebugLog();  // before the object reads the Debug setting
+    return Create(Install(kBuiltRex), kRexProgId);
+  }
+  std::unique_ptr<ComponentObject> object = CreateDebugging();
+  Rex rex{*object};
+  PatternBudget unlimited{process.log, 600000};
+};
+
+// Patterns and URLs made from the same pieces, so that many URLs match some
+// pattern, often a later one than the first that shares an atom.
+struct Generated {
+  std::vector<std::string> patterns;
+  std::vector<std::string> urls;
+};
+
+Generated Generate(unsigned seed) {
+  static const char* const kWords[] = {"paypa1", "Secure", "login", "bank", "example", "a", "xn--app1e", "wp-admin"};
+  static const char* const kPieces[] = {
+      "\\.",      ".",         "[^/]*", "(?:www\\.)?", "(a|b)",          "https?://", "^",       "$",
+      "\\d+",     "(?i)",      "(?-i)", "\\Qa.b\\E",   "x{2,3}",         "(?=ban)",   "(?!ban)", "(?<=/)",
+      "\\bwp\\b", "(\\w+)\\1", "[A-Z]", "\\x41",       "\\101",          "(?:ab)*",   "a?",      "b+?",
+      "c*+",      "{",         "{a}",   "\\n",         "(?<n>ab)\\k<n>", "/",         "-",       "(?:log|sign)in"};
+  std::mt19937 random(seed);
+  const auto pick = [&](const auto& table) { return std::string(table[random() % std::size(table)]); };
+  Generated out;
+  for (int i = 0; i < 250; ++i) {
+    std::string pattern;
+    for (auto parts = 1 + random() % 5; parts > 0; --parts) pattern += random() % 2 ? pick(kWords) : pick(kPieces);
+    out.patterns.push_back(pattern);
+  }
+  for (int i = 0; i < 600; ++i) {
+    std::string url = random() % 4 ? "https://" : "HTTP://";
+    for (auto parts = 1 + random() % 6; parts > 0; --parts) {
+      std::string word = pick(kWords);
+      if (random() % 4 == 0) word[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(word[0])));
+      url += word + std::string(1, "./-?=A1"[random() % 7]);
+    }
+    out.urls.push_back(url);
+  }
+  return out;
+}
+
+// Lines a block list or a hostile server may hold: broken, runaway,
+// empty, and constructs the atom reader gives up on.
+const std::vector<std::string> kHostile = {
+    "(abc",        "[a-",        "a{2,1}",     "\\",           "",
+    "(*UTF)(?i)k", "(?x) a b c", "(?#c)login", "a(?#c)*login", "[[:alpha:]]+login",
+    "[]a]x",       "[^]a]xa",    "\\Qa|b\\E",  "(?|(a)|(b))c", "(a+)+$",
+    "(x+x+)+[yz]", "(?i)SECURE", "^$",         "\\Aa",         "(?s).+bank",
+    "ba(?=n)nk",   "b\\x{61}nk", "(?:)",       "\\d{8,10}"};
+
+TEST_F(PatternSetTest, ASetAnswersWhatThePatternsOneByOneAnswer) {
+  std::size_t matched = 0;
+  for (const char* flags : {"i", "", "si"}) {
+    for (unsigned seed = 1; seed <= 3; ++seed) {
+      Generated generated = Generate(seed);
+      std::vector<std::string> patterns = kHostile;
+      patterns.insert(patterns.begin() + seed, generated.patterns.begin(), generated.patterns.end());
+      generated.urls.push_back("http://x.example/?q=" + std::string(40, 'a') + "!");
+      generated.urls.push_back("http://x.example/?q=" + std::string(40, 'x'));
+      PatternList list("differential", flags);
+      list.Set(patterns);
+      for (const auto& url : generated.urls) {
+        const std::int32_t byOne = list.FirstMatchOneByOne(rex, url, unlimited);
+        ASSERT_EQ(list.FirstMatch(rex, url, unlimited), byOne) << "flags " << flags << ", " << url;
+        matched += byOne >= 0;
+      }
+    }
+  }
+  EXPECT_GT(matched, 1000u);  // the comparison is not one of misses only
+}
+
+TEST_F(PatternSetTest, SetsAreKeptByNameAndTag) {
+  EXPECT_TRUE(rex.CompileSet("local", {"", "(abc", "b[a]nk", "x*"}, "i", "v1"));
+  EXPECT_EQ(rex.FirstMatch("local", "http://BANK.example/", "v1", std::chrono::seconds(1)), 2);
+  EXPECT_EQ(rex.FirstMatch("local", "http://BANK.example/", "v2", std::chrono::seconds(1)), kSetUnknown);
+  EXPECT_EQ(rex.FirstMatch("other", "http://BANK.example/", "v1", std::chrono::seconds(1)), kSetUnknown);
+  EXPECT_EQ(rex.SetInfo("local"), (std::vector<std::string>{"4", "2", rex.SetInfo("local")->at(2)}));
+  EXPECT_EQ(rex.SetInfo("other"), std::nullopt);
+
+  // A broken line says so each time it is reached, as Test does.
+  const auto before = ComponentLog().size();
+  EXPECT_EQ(rex.FirstMatch("local", "nothing here", "v1", std::chrono::seconds(1)), 3);
+  const auto log = ComponentLog();
+  ASSERT_EQ(log.size(), before + 1);
+  EXPECT_EQ(log.back(), "(debug) (Rex) Pattern does not compile (missing closing parenthesis at offset 4): (abc");
+
+  EXPECT_TRUE(rex.CompileSet("local", {"nothing"}, "", "v2"));
+  EXPECT_EQ(rex.FirstMatch("local", "nothing here", "v2", std::chrono::seconds(1)), 0);
+  EXPECT_EQ(rex.FirstMatch("local", "nothing here", "v1", std::chrono::seconds(1)), kSetUnknown);
+}
+
+TEST_F(PatternSetTest, TheTimeGivenBoundsTheRunawayPatterns) {
+  // Each of these runs into the match limit, which takes milliseconds;
+  // the last line would match.
+  std::vector<std::string> patterns(400, "(x+x+)+[yz]");
+  patterns.push_back("x");
+  const std::string subject = "http://x.example/?q=" + std::string(30, 'x');
+  EXPECT_TRUE(rex.CompileSet("runaway", patterns, "", ""));
+  EXPECT_EQ(rex.FirstMatch("runaway", subject, "", std::chrono::milliseconds(20)), kSetOutOfTime);
+  EXPECT_EQ(rex.FirstMatch("runaway", subject, "", std::chrono::microseconds(0)), kSetOutOfTime);
+  // Where the scan shows no pattern can match, the answer is certain even
+  // without time.
+  EXPECT_EQ(rex.FirstMatch("runaway", "http://a.test/", "", std::chrono::microseconds(0)), kSetNoMatch);
+}
+
+// Tarnwick.Rex as a release before pattern sets answers: the list is then
+// tried one pattern at a time, with the same answers.
+class WithoutSets final : public ComponentObject {
+ public:
+  explicit WithoutSets(ComponentObject& inner) : inner_(inner) {}
+  long Invoke(std::string_view member, std::span<Variant> args, Variant& result, std::string& error) override {
+    if (member == "CompileSet" || member == "FirstMatch") return kErrMemberNotFound;
+    return inner_.Invoke(member, args, result, error);
+  }
+
+ private:
+  ComponentObject& inner_;
+};
+
+TEST_F(PatternSetTest, AComponentWithoutSetsGetsThePatternsOneByOne) {
+  WithoutSets old(*object);
+  Rex oldRex(old);
+  PatternList list("local", "i");
+  list.Set({"", "bank\\.example", "example"});
+  list.Prepare(oldRex);
+  EXPECT_EQ(list.FirstMatch(oldRex, "http://www.BANK.example/", unlimited), 1);
+  EXPECT_EQ(list.FirstMatch(oldRex, "http://other.test/", unlimited), kSetNoMatch);
+  PatternBudget none(process.log, 1);
+  none.Spend([] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    return 0;
+  });
+  EXPECT_EQ(list.FirstMatch(oldRex, "http://www.BANK.example/", none), kSetOutOfTime);
+}
+
+}  // namespace
+}  // namespace tarnwick::testing
