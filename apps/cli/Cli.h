@@ -50,5 +50,7 @@ int RunCheck(std::vector<std::string> args);
 int RunRex(const std::vector<std::string>& args);
 int RunBlockPage(const std::vector<std::string>& args);
 int RunComponents(const std::vector<std::string>& args);
+int RunMenu(std::vector<std::string> args);
+int RunOpen(std::vector<std::string> args);
 
 }  // namespace tarnwick::cli

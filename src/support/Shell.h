@@ -6,12 +6,14 @@
 
 namespace tarnwick {
 
+// How a started program's window shows where windows exist; both take focus.
+enum class WindowState { Minimized, Normal };
+
 class Shell {
  public:
   virtual ~Shell() = default;
-  // Starts `program` with a minimized, focused window where windows exist;
-  // true when it started.
-  virtual bool StartProgram(const std::filesystem::path& program) = 0;
+  // Starts `program` without waiting for it; true when it started.
+  virtual bool StartProgram(const std::filesystem::path& program, WindowState state = WindowState::Minimized) = 0;
 };
 
 std::unique_ptr<Shell> MakePlatformShell();

@@ -9,7 +9,7 @@ namespace {
 
 class PosixShell final : public Shell {
  public:
-  bool StartProgram(const std::filesystem::path& program) override {
+  bool StartProgram(const std::filesystem::path& program, WindowState) override {
     const std::string path = program.string();
     char* argv[] = {const_cast<char*>(path.c_str()), nullptr};
     pid_t pid = 0;

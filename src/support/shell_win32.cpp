@@ -9,9 +9,10 @@ namespace {
 
 class WindowsShell final : public Shell {
  public:
-  bool StartProgram(const std::filesystem::path& program) override {
-    const auto result = reinterpret_cast<INT_PTR>(
-        ShellExecuteA(nullptr, "open", program.string().c_str(), nullptr, nullptr, SW_SHOWMINIMIZED));
+  bool StartProgram(const std::filesystem::path& program, WindowState state) override {
+    const auto result =
+        reinterpret_cast<INT_PTR>(ShellExecuteA(nullptr, "open", program.string().c_str(), nullptr, nullptr,
+                                                state == WindowState::Normal ? SW_SHOWNORMAL : SW_SHOWMINIMIZED));
     return result > 32;
   }
 };
