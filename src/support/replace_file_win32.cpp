@@ -1,4 +1,7 @@
 #include <windows.h>
+// windows.h makes ReplaceFile a macro for ReplaceFileA, which would rename
+// the function defined here.
+#undef ReplaceFile
 
 #include <algorithm>
 

@@ -13,6 +13,51 @@ namespace {
 
 using mdlRegistry::kSettingsKey;
 
+// The real store, noting each value written or deleted in order: the
+// registry itself lists values in an order of its own.
+class RecordingStore final : public SettingsStore {
+ public:
+  explicit RecordingStore(SettingsStore& store) : store_(store) {}
+  long OpenKey(Root root, std::string_view path, Access access, std::unique_ptr<RegistryKey>& key) override {
+    return Wrap(store_.OpenKey(root, path, access, key), key);
+  }
+  long CreateKey(Root root, std::string_view path, std::unique_ptr<RegistryKey>& key) override {
+    return Wrap(store_.CreateKey(root, path, key), key);
+  }
+  std::vector<std::string> writes;
+
+ private:
+  class Key final : public RegistryKey {
+   public:
+    Key(std::unique_ptr<RegistryKey> key, std::vector<std::string>& writes) : key_(std::move(key)), writes_(writes) {}
+    long QueryValueInfo(std::string_view name, std::uint32_t& type, std::uint32_t& size) override {
+      return key_->QueryValueInfo(name, type, size);
+    }
+    long QueryValueData(std::string_view name, std::uint32_t size, std::string& data) override {
+      return key_->QueryValueData(name, size, data);
+    }
+    long SetValue(std::string_view name, std::uint32_t type, std::string_view data) override {
+      writes_.push_back(std::string(name) + "=" + std::string(data));
+      return key_->SetValue(name, type, data);
+    }
+    long DeleteValue(std::string_view name) override {
+      writes_.push_back("delete " + std::string(name));
+      return key_->DeleteValue(name);
+    }
+    long ValueNames(std::vector<std::string>& names) override { return key_->ValueNames(names); }
+
+   private:
+    std::unique_ptr<RegistryKey> key_;
+    std::vector<std::string>& writes_;
+  };
+
+  long Wrap(long status, std::unique_ptr<RegistryKey>& key) {
+    if (key) key = std::make_unique<Key>(std::move(key), writes);
+    return status;
+  }
+  SettingsStore& store_;
+};
+
 struct OptionsTest : ::testing::Test {
   OptionsTest() { process.LoadOptions(); }
 
@@ -34,7 +79,7 @@ struct OptionsTest : ::testing::Test {
   }
   frmOptions& Open() {
     form = std::make_unique<frmOptions>(
-        OptionsPorts{store, process.options, process.DefaultTextWindowWidth, [this] { ++reloads; }});
+        OptionsPorts{recorder, process.options, process.DefaultTextWindowWidth, [this] { ++reloads; }});
     form->Form_Load();
     return *form;
   }
@@ -42,6 +87,7 @@ struct OptionsTest : ::testing::Test {
   testing::TestProcess t;
   ToolbarProcess& process = t.process;
   SettingsStore& store = *process.settings;
+  RecordingStore recorder{store};
   std::unique_ptr<frmOptions> form;
   int reloads = 0;
 };
@@ -83,10 +129,12 @@ TEST_F(OptionsTest, OkWritesEveryControlAsTextInOrderAndReloads) {
   f.Form_KeyPress(frmOptions::kKeyEnter);
   EXPECT_TRUE(f.Closed && f.Saved);
   EXPECT_EQ(reloads, 1);
-  EXPECT_EQ(Key(), (std::vector<std::string>{"TextWindowWidth=1080", "BarHeight=44", "ServerTimeout=5",
-                                             "DLLUpdateInterval=86400", "BlockAtRiskRank=10", "BlockPopups=1",
-                                             "BlockXSS=1", "ForceToolbar=1", "ForceStatusBar=1", "ForceMenuBar=1",
-                                             "ForceResizable=0", "AutoFillReportForm=0"}));
+  EXPECT_EQ(recorder.writes,
+            (std::vector<std::string>{"TextWindowWidth=1080", "BarHeight=44", "ServerTimeout=5",
+                                      "DLLUpdateInterval=86400", "BlockAtRiskRank=10", "BlockPopups=1", "BlockXSS=1",
+                                      "ForceToolbar=1", "ForceStatusBar=1", "ForceMenuBar=1", "ForceResizable=0",
+                                      "AutoFillReportForm=0", "delete AutoFillName", "delete AutoFillEmail"}));
+  EXPECT_EQ(Stored("BarHeight"), "44");
 }
 
 TEST_F(OptionsTest, OkWithAutoFillOffRemovesTheRememberedDetails) {
@@ -128,6 +176,7 @@ TEST_F(OptionsTest, RestoreDefaultsThenCancelWritesNothing) {
   EXPECT_TRUE(f.Closed);
   EXPECT_FALSE(f.Saved);
   EXPECT_EQ(reloads, 0);
+  EXPECT_TRUE(recorder.writes.empty());
   EXPECT_EQ(Key(), before);
 }
 
