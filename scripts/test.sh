@@ -17,6 +17,8 @@ done
 echo "=== windows build (tests under Wine)"
 bash scripts/build-pcre2-windows.sh
 bash scripts/build-libsodium-windows.sh
+[ -f build/third_party/pugixml-source/src/src/pugixml.cpp ] ||
+  bash scripts/debian-source.sh pugixml build/third_party/pugixml-source
 cmake --preset windows >/dev/null
 cmake --build --preset windows
 bash scripts/wine-prefix.sh build/windows/wineprefix

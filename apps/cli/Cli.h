@@ -60,5 +60,7 @@ int RunRex(const std::vector<std::string>& args);
 int RunMatch(std::vector<std::string> args);
 int RunBlockPage(const std::vector<std::string>& args);
 int RunComponents(const std::vector<std::string>& args);
+int RunMenu(std::vector<std::string> args);
+int RunOpen(std::vector<std::string> args);
 
 }  // namespace tarnwick::cli

@@ -47,7 +47,7 @@ void PrintAnswer(const std::string& url, std::int32_t index, const std::vector<s
     const nlohmann::ordered_json answer{
         {"url", AnsiToUtf8(url)},
         {"index", shown},
-        {"pattern", pattern != nullptr ? AnsiToUtf8(*pattern) : nlohmann::ordered_json()}};
+        {"pattern", pattern != nullptr ? nlohmann::ordered_json(AnsiToUtf8(*pattern)) : nlohmann::ordered_json()}};
     std::cout << answer.dump() << '\n';
   } else {
     std::cout << shown << '\t' << (pattern != nullptr ? AnsiToUtf8(*pattern) : std::string()) << '\n';

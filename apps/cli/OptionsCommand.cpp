@@ -1,21 +1,27 @@
-// tarnwick options [set NAME VALUE | delete NAME]
+// tarnwick options [set NAME VALUE | delete NAME | dialog]
 #include <algorithm>
 #include <iostream>
 
 #include "Cli.h"
+#include "TerminalOptionsForm.h"
 #include "settings/mdlRegistry.h"
 #include "support/Text.h"
 
 namespace tarnwick::cli {
 namespace {
 
-// The settings a person may set here: the options table, then the two values
-// read outside it.
+// The zone lists the retrieval component reads: without the Windows zone
+// settings this is the only way to set them.
+constexpr const char* kZoneLists[] = {"TrustedSites", "IntranetSites", "RestrictedSites"};
+
+// The settings a person may set here: the options table, the two values read
+// outside it, and the zone lists.
 std::vector<std::string> KnownNames() {
   std::vector<std::string> names;
   for (const auto& field : OptionTable()) names.emplace_back(field.name);
   names.emplace_back("ShowLabels");
   names.emplace_back("GUID");
+  names.insert(names.end(), std::begin(kZoneLists), std::end(kZoneLists));
   return names;
 }
 
@@ -32,6 +38,16 @@ int PrintOptions(ToolbarProcess& process) {
   }
   std::cout << "ShowLabels = " << (ReadShowLabels(*process.settings) ? "True" : "False") << '\n';
   std::cout << "GUID = " << ReadGUID(*process.settings) << '\n';
+  for (const char* name : kZoneLists) {
+    const auto value = mdlRegistry::GetSetting(*process.settings, mdlRegistry::kSettingsKey, name, std::string());
+    std::cout << name << " = " << AnsiToUtf8(ToText(value)) << '\n';
+  }
+  return kExitOk;
+}
+
+int RunDialog(ToolbarProcess& process) {
+  process.LoadOptions();
+  RunOptionsDialog(process, std::cin, std::cout);
   return kExitOk;
 }
 
@@ -41,12 +57,13 @@ int RunOptions(const std::vector<std::string>& args) {
   Host host;
   ToolbarProcess& process = host.process();
   if (args.empty()) return PrintOptions(process);
+  if (args == std::vector<std::string>{"dialog"}) return RunDialog(process);
 
   const auto names = KnownNames();
   const bool set = args[0] == "set" && args.size() == 3;
   const bool remove = args[0] == "delete" && args.size() == 2;
   if (!set && !remove) {
-    std::cerr << "usage: tarnwick options [set NAME VALUE | delete NAME]\n";
+    std::cerr << "usage: tarnwick options [set NAME VALUE | delete NAME | dialog]\n";
     return kExitError;
   }
   const std::string* name = FindKnown(names, args[1]);

@@ -16,8 +16,18 @@ constexpr const char* kHelp =
     "                              judge each URL (or each line of standard input) as a navigation;\n"
     "                              exit status 0 nothing blocked, 1 something blocked, 2 an error\n"
     "  options                     print the loaded options, one 'Name = value' per line\n"
-    "  options set NAME VALUE      store a setting as text\n"
+    "  options set NAME VALUE      store a setting as text (also the zone lists TrustedSites,\n"
+    "                              IntranetSites, RestrictedSites: host names separated by ; or blanks)\n"
     "  options delete NAME         remove a setting (exit status 1 when it was not set)\n"
+    "  options dialog              the options dialog as a terminal form (OK, Cancel, Restore Defaults)\n"
+    "  menu [product|client] [--json] [--server URL]\n"
+    "                              build the menus as a toolbar does (refreshing the menu files from the\n"
+    "                              server) and print each item's number, caption and link (exit status 1\n"
+    "                              when a menu is missing)\n"
+    "  open LINK [--current-url URL] [--server URL]\n"
+    "                              act on a menu link: print where the browser would go, or run a\n"
+    "                              tarnwicktoolbar: command (report_url for the --current-url page,\n"
+    "                              check_update, about, options, ...)\n"
     "  fetch [--post DATA] URL     one transfer through the download form: status, headers, body\n"
     "  update [--force] [--answer yes|no] [--server URL]\n"
     "                              refresh the data files and components from the server, then\n"
@@ -74,6 +84,8 @@ int main(int argc, char** argv) {
     if (args[0] == "match") return RunMatch(rest);
     if (args[0] == "blockpage") return RunBlockPage(rest);
     if (args[0] == "components") return RunComponents(rest);
+    if (args[0] == "menu") return RunMenu(rest);
+    if (args[0] == "open") return RunOpen(rest);
   } catch (const MissingOptionValue& error) {
     std::cerr << "tarnwick: " << error.what() << " (see tarnwick --help)\n";
     return kExitError;

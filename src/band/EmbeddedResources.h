@@ -3,14 +3,10 @@
 #pragma once
 
 #include <span>
-#include <string_view>
+
+#include "support/EmbeddedResource.h"
 
 namespace tarnwick {
-
-struct EmbeddedResource {
-  std::string_view name;   // the file's name, as a res: address names it
-  std::string_view bytes;  // its content
-};
 
 std::span<const EmbeddedResource> EmbeddedResources();
 

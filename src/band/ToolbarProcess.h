@@ -19,6 +19,8 @@
 #include "support/Paths.h"
 #include "support/Shell.h"
 #include "ui/DownloadDialog.h"
+#include "ui/MenuState.h"
+#include "ui/ToolbarCommands.h"
 #include "ui/Ui.h"
 
 namespace tarnwick {
@@ -43,6 +45,8 @@ class ToolbarProcess {
   // Computes DefaultTextWindowWidth and (re)loads the options.
   void LoadOptions();
   NetPorts Net() { return {log, clock, ui, paths, *settings, options, endpoints}; }
+  MenuPorts Menus() { return {log, paths, endpoints, updates, AgentString, menus}; }
+  CommandPorts Commands() { return {log, ui, updates, endpoints, AgentString, FileDescription, menus}; }
 
   Paths& paths;
   Clock& clock;
@@ -66,6 +70,8 @@ class ToolbarProcess {
   // checked (-1 when unknown), which the site information strip reads.
   mdlXSS XSS{options, log};
   std::int16_t CurrentRiskRank = -1;
+  // The product and client menus with their bitmaps.
+  MenuState menus;
 };
 
 }  // namespace tarnwick

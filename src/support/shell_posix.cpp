@@ -9,8 +9,8 @@ namespace {
 
 class PosixShell final : public Shell {
  public:
-  using Shell::StartProgram;
-  bool StartProgram(const std::filesystem::path& program, const std::vector<std::string>& arguments) override {
+  bool StartProgram(const std::filesystem::path& program, const std::vector<std::string>& arguments,
+                    WindowState) override {
     std::string path = program.string();
     std::vector<std::string> args = arguments;
     std::vector<char*> argv{path.data()};

@@ -28,13 +28,13 @@ std::string Quoted(const std::string& argument) {
 
 class WindowsShell final : public Shell {
  public:
-  using Shell::StartProgram;
-  bool StartProgram(const std::filesystem::path& program, const std::vector<std::string>& arguments) override {
+  bool StartProgram(const std::filesystem::path& program, const std::vector<std::string>& arguments,
+                    WindowState state) override {
     std::string parameters;
     for (const auto& argument : arguments) parameters += (parameters.empty() ? "" : " ") + Quoted(argument);
-    const auto result = reinterpret_cast<INT_PTR>(ShellExecuteA(nullptr, "open", program.string().c_str(),
-                                                                parameters.empty() ? nullptr : parameters.c_str(),
-                                                                nullptr, SW_SHOWMINIMIZED));
+    const auto result = reinterpret_cast<INT_PTR>(
+        ShellExecuteA(nullptr, "open", program.string().c_str(), parameters.empty() ? nullptr : parameters.c_str(),
+                      nullptr, state == WindowState::Normal ? SW_SHOWNORMAL : SW_SHOWMINIMIZED));
     return result > 32;
   }
 };

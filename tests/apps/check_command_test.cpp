@@ -1,52 +1,19 @@
 // `tarnwick check` end to end: the real program and the real reference
 // server, each in a process of its own, talking over loopback.
-#include <gtest/gtest.h>
-#include <sys/wait.h>
-
-#include <cstdlib>
-#include <fstream>
-#include <iterator>
-#include <string>
-
-#include "ReferenceServer.h"
-#include "common/TestSupport.h"
+#include "CliFixture.h"
 
 namespace tarnwick::testing {
 namespace {
 
-std::string Slurp(const std::filesystem::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
-
-class CheckCommandTest : public ::testing::Test {
+class CheckCommandTest : public CliFixture {
  protected:
-  void SetUp() override {
-    std::filesystem::create_directories(dir / "program");
-    for (const char* file : {"tarnwickrex.dll", "pagefetch.dll"}) {
-      std::filesystem::copy_file(std::filesystem::path(TARNWICK_PROGRAM_OUTPUT) / file, dir / "program" / file);
-    }
-    ASSERT_EQ(
-        std::system((std::string(TARNWICK_SERVER) + " import --db " + Quote(dir / "server.db") + " --format lines " +
-                     Quote(std::string(TARNWICK_DATA) + "/feeds/tarnwick-lines.txt") + " >/dev/null")
-                        .c_str()),
-        0);
-    server_ = std::make_unique<ReferenceServer>(dir / "server.db", TARNWICK_DATA);
-  }
+  void SetUp() override { StartServer(); }
 
   // Runs `tarnwick check` over `urls` with `flags`; its output and exit status.
   std::pair<std::string, int> Check(const std::string& urls, const std::string& flags) {
-    std::ofstream(dir / "urls.txt") << urls;
-    const std::string command = "XDG_CONFIG_HOME=" + Quote(dir / "config") + " XDG_STATE_HOME=" + Quote(dir / "state") +
-                                " TARNWICK_PROGRAM_DIR=" + Quote(dir / "program") + " " + TARNWICK_CLI +
-                                " check --server " + server_->Base() + " " + flags + " < " + Quote(dir / "urls.txt") +
-                                " > " + Quote(dir / "out.txt") + " 2>/dev/null";
-    const int status = std::system(command.c_str());
-    return {Slurp(dir / "out.txt"), WIFEXITED(status) ? WEXITSTATUS(status) : -1};
+    const CliRun run = Run("check --server " + server + " " + flags, urls);
+    return {run.out, run.status};
   }
-
-  TempDir dir;
-  std::unique_ptr<ReferenceServer> server_;
 };
 
 TEST_F(CheckCommandTest, EachKindOfVerdictAsJsonLines) {
