@@ -3,12 +3,8 @@
 #include <iostream>
 #include <iterator>
 
-#include "Cli.h"
+#include "BandHost.h"
 #include "Json.h"
-#include "band/ComponentFactory.h"
-#include "band/Components.h"
-#include "band/StartUp.h"
-#include "check/CheckURL.h"
 #include "support/Text.h"
 
 namespace tarnwick::cli {
@@ -17,20 +13,20 @@ namespace {
 constexpr const char* kUsage =
     "usage: tarnwick check [--server URL] [--json] [--answer yes|no] [--ctrl] [--post-data FILE] [URL...]\n";
 
-void PrintOutcome(const std::string& url, const CheckURL& checker, std::int16_t rank, bool json) {
-  const CheckOutcome& outcome = checker.LastOutcome();
+void PrintRecord(const NavigationRecord& record, bool json) {
+  const CheckOutcome& outcome = record.outcome;
   const char* step = CheckStepName(outcome.step);
   if (json) {
-    std::cout << "{\"url\":" << JsonString(url) << ",\"checked\":" << (outcome.checked ? "true" : "false")
-              << ",\"blocked\":" << (outcome.blocked ? "true" : "false")
-              << ",\"step\":" << (step != nullptr ? JsonString(step) : "null") << ",\"risk_rank\":" << rank
-              << ",\"last_response\":" << JsonString(checker.GetLastResponse())
+    std::cout << "{\"url\":" << JsonString(record.url) << ",\"checked\":" << (outcome.checked ? "true" : "false")
+              << ",\"blocked\":" << (record.cancel ? "true" : "false")
+              << ",\"step\":" << (step != nullptr ? JsonString(step) : "null") << ",\"risk_rank\":" << record.riskRank
+              << ",\"last_response\":" << JsonString(record.lastResponse)
               << ",\"message\":" << (outcome.message.empty() ? "null" : JsonString(outcome.message)) << "}\n";
     return;
   }
-  std::cout << AnsiToUtf8(url) << "\n  " << (outcome.blocked ? "blocked" : "allowed") << ", "
+  std::cout << AnsiToUtf8(record.url) << "\n  " << (record.cancel ? "blocked" : "allowed") << ", "
             << (outcome.checked ? "checked" : "not checked") << ", step: " << (step != nullptr ? step : "none")
-            << ", risk rank: " << rank << "\n  response: " << AnsiToUtf8(checker.GetLastResponse()) << '\n';
+            << ", risk rank: " << record.riskRank << "\n  response: " << AnsiToUtf8(record.lastResponse) << '\n';
 }
 
 }  // namespace
@@ -61,31 +57,16 @@ int RunCheck(std::vector<std::string> args) {
     postData.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
   }
 
-  Host host(server, answer == "yes" ? vbYes : vbNo);
-  host.ui().ctrlHeld = ctrl;
-  if (!host.StartTransfers()) return kExitError;
-  ToolbarProcess& process = host.process();
-  RequestFileHashes(process);
-
-  std::shared_ptr<ComponentObject> rex =
-      NewObject(process, process.paths.ProgramFolder() / kRexComponent.file, kRexComponent.progId);
-  const auto resolver = MakePlatformResolver();
-  const auto canonicalizer = MakePlatformCanonicalizer();
-  CheckURL checker({process.log, process.ui, *resolver, *canonicalizer, process.http, process.XSS, process.options,
-                    process.endpoints, process.CurrentRiskRank, nullptr},
-                   rex);
-  if (checker.Failed()) {
-    std::cerr << "tarnwick: the regular-expression component could not be created (see the log)\n";
-    return kExitError;
-  }
-  LoadBlockLists(process, checker);
+  BandHost host(server, answer == "yes" ? vbYes : vbNo);
+  host.host.ui().ctrlHeld = ctrl;
+  if (!host.Start()) return kExitError;
 
   bool anyBlocked = false;
   const auto judge = [&](const std::string& url) {
     bool cancel = false;
-    checker.Check(Utf8ToAnsi(url), postData, cancel);
+    const NavigationRecord record = host.band.guard().Judge(Utf8ToAnsi(url), postData, cancel);
     anyBlocked = anyBlocked || cancel;
-    PrintOutcome(Utf8ToAnsi(url), checker, process.CurrentRiskRank, json);
+    PrintRecord(record, json);
   };
   if (args.empty()) {
     std::string line;

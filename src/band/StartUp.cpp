@@ -4,6 +4,10 @@
 
 namespace tarnwick {
 
+void RunUpdaterHousekeeping(ToolbarProcess& process) {
+  if (!process.updates.ProbeProgramFolder()) process.shell.StartProgram(process.paths.ProgramFolder() / "updater.exe");
+}
+
 void RequestFileHashes(ToolbarProcess& process) {
   std::string list;
   for (const auto file : HashListFiles()) list += (list.empty() ? "" : "\r\n") + std::string(file);

@@ -8,6 +8,10 @@
 
 namespace tarnwick {
 
+// Checks that the program folder can be written (copying updater.exe beside
+// itself); when it cannot, starts updater.exe to repair it.
+void RunUpdaterHousekeeping(ToolbarProcess& process);
+
 // The hash request for the files of the refresh tables, in their order.
 void RequestFileHashes(ToolbarProcess& process);
 

@@ -8,6 +8,8 @@
 #include <memory>
 #include <string>
 
+#include "check/Canonicalizer.h"
+#include "check/Resolver.h"
 #include "check/mdlXSS.h"
 #include "net/frmHTTP.h"
 #include "net/mdlUpdate.h"
@@ -66,6 +68,12 @@ class ToolbarProcess {
   // checked (-1 when unknown), which the site information strip reads.
   mdlXSS XSS{options, log};
   std::int16_t CurrentRiskRank = -1;
+  // Set once the options are loaded, and again when a toolbar is built.
+  bool initialised = false;
+  // Name resolution and URL canonicalisation as the platform does them;
+  // tests put their own in.
+  std::unique_ptr<Resolver> resolver = MakePlatformResolver();
+  std::unique_ptr<Canonicalizer> canonicalizer = MakePlatformCanonicalizer();
 };
 
 }  // namespace tarnwick
