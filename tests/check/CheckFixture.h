@@ -1,7 +1,6 @@
 // The check engine over the real regular-expression component (loaded from
 // its library file), the retrieval engine, and a loopback server playing the
-// toolbar server. Host names resolve from a table: tests never ask a DNS
-// server beyond this machine.
+// toolbar server. Host names resolve from a table.
 #pragma once
 
 #include <fstream>
@@ -10,26 +9,11 @@
 #include "LoopbackServer.h"
 #include "PageFetchObject.h"
 #include "check/CheckURL.h"
+#include "common/TableResolver.h"
 #include "components/ComponentTest.h"
 #include "support/Files.h"
 
 namespace tarnwick::testing {
-
-class TableResolver final : public Resolver {
- public:
-  bool Startup() override { return true; }
-  bool Cleanup() override { return true; }
-  std::optional<IPv4Bytes> ParseAddress(const std::string& host) override { return platform_->ParseAddress(host); }
-  bool ConnectionUsesProxy() override { return false; }
-  std::optional<IPv4Bytes> ResolveName(const std::string& host) override {
-    const auto it = names.find(host);
-    return it == names.end() ? std::nullopt : std::optional<IPv4Bytes>(it->second);
-  }
-  std::map<std::string, IPv4Bytes> names;
-
- private:
-  std::unique_ptr<Resolver> platform_ = MakePlatformResolver();
-};
 
 // What the toolbar server answers to /check_url.
 struct Verdict {
