@@ -34,7 +34,9 @@ ordered_json Text(std::string_view ansi) { return AnsiToUtf8(ansi); }
 ordered_json StripJson(const SiteInformation& strip) {
   ordered_json runs = ordered_json::array();
   for (const StripRun& run : strip.runs) {
-    const char* kind = run.kind == StripRun::Kind::Link ? "link" : run.kind == StripRun::Kind::Country ? "country" : "text";
+    const char* kind = run.kind == StripRun::Kind::Link      ? "link"
+                       : run.kind == StripRun::Kind::Country ? "country"
+                                                             : "text";
     ordered_json item{{"kind", kind}, {"text", Text(run.text)}};
     if (run.kind != StripRun::Kind::Text) item["target"] = Text(run.target);
     runs.push_back(item);
@@ -74,7 +76,8 @@ void PrintText(const ordered_json& report) {
   if (report.contains("started")) {
     if (report["started"].get<bool>()) {
       std::cout << "  started: " << report["server_hashes"].get<int>() << " file hashes from the server, update check "
-                << report["update_check"].get<int>() << (report["toolbar"].get<bool>() ? ", toolbar built" : "") << '\n';
+                << report["update_check"].get<int>() << (report["toolbar"].get<bool>() ? ", toolbar built" : "")
+                << '\n';
     } else {
       std::cout << "  start-up stopped: the " << report["failed_component"].get<std::string>()
                 << " component is broken\n";
@@ -94,10 +97,11 @@ void PrintText(const ordered_json& report) {
     for (std::size_t at = 0; (at = message.find("\r\n", at)) != std::string::npos; at += 5) {
       message.replace(at, 2, "\n    ");
     }
-    std::cout << "  dialog \"Page Blocked\":\n    " << message << "\n  answer: "
-              << (text("answer") ? report["answer"].get<std::string>() : "none") << '\n';
+    std::cout << "  dialog \"Page Blocked\":\n    " << message
+              << "\n  answer: " << (text("answer") ? report["answer"].get<std::string>() : "none") << '\n';
   }
-  if (report.contains("cancel")) std::cout << "  " << (report["cancel"].get<bool>() ? "cancelled" : "goes ahead") << '\n';
+  if (report.contains("cancel"))
+    std::cout << "  " << (report["cancel"].get<bool>() ? "cancelled" : "goes ahead") << '\n';
   if (report.value("block_page", false)) std::cout << "  replaced by about:PhishingSite (kept out of history)\n";
   if (text("popup")) std::cout << "  popup " << report["popup"].get<std::string>() << '\n';
   if (text("saved")) std::cout << "  " << report["saved"].get<std::string>() << '\n';
@@ -214,9 +218,8 @@ class Browse {
       const NavigateRequest request = host_.browser.requested.front();
       host_.browser.requested.pop_front();
       bool cancel = false;
-      const NavigationRecord record =
-          host_.band.guard().m_oIE_BeforeNavigate2(true, request.url, request.flags, request.targetFrame,
-                                                   request.postData, request.headers, cancel);
+      const NavigationRecord record = host_.band.guard().m_oIE_BeforeNavigate2(
+          true, request.url, request.flags, request.targetFrame, request.postData, request.headers, cancel);
       Emit(NavigationJson("band navigates", record));
       if (!cancel) Arrive(request.url);
     }
@@ -296,12 +299,13 @@ int RunBrowse(std::vector<std::string> args) {
   const bool started = host.Start();
   Browse browse(host, json);
   const StartUpRecord& record = host.startUp;
-  browse.Emit({{"event", "start"},
-               {"started", started},
-               {"failed_component", record.failedComponent.empty() ? ordered_json() : ordered_json(record.failedComponent)},
-               {"toolbar", record.toolbarCreated},
-               {"server_hashes", record.serverHashes},
-               {"update_check", record.updateCheckStatus}});
+  browse.Emit(
+      {{"event", "start"},
+       {"started", started},
+       {"failed_component", record.failedComponent.empty() ? ordered_json() : ordered_json(record.failedComponent)},
+       {"toolbar", record.toolbarCreated},
+       {"server_hashes", record.serverHashes},
+       {"update_check", record.updateCheckStatus}});
   if (!started) return kExitError;
 
   std::string line;

@@ -12,12 +12,12 @@ namespace tarnwick {
 
 // Why an event did not reach the check engine.
 enum class NotChecked {
-  No,           // it did
-  Frame,        // the event came from a frame, not the top-level window
-  SamePage,     // the same page up to "#" as the last one checked
-  Offline,      // the browser works offline
-  Unchanged,    // after the navigation the address is the one checked before it
-  NotStarted,   // the band has no working check engine
+  No,          // it did
+  Frame,       // the event came from a frame, not the top-level window
+  SamePage,    // the same page up to "#" as the last one checked
+  Offline,     // the browser works offline
+  Unchanged,   // after the navigation the address is the one checked before it
+  NotStarted,  // the band has no working check engine
 };
 const char* NotCheckedName(NotChecked reason);  // "frame", ...; nullptr for No
 

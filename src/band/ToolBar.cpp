@@ -30,9 +30,7 @@ ToolBar::ToolBar(ToolbarProcess& process, BandWindows& windows) : process_(proce
 
 ToolBar::~ToolBar() { DisconnectBrowser(); }
 
-void ToolBar::ConnectBrowser() {
-  browser_ = site_ != nullptr ? site_->ConnectBrowser() : nullptr;
-}
+void ToolBar::ConnectBrowser() { browser_ = site_ != nullptr ? site_->ConnectBrowser() : nullptr; }
 
 void ToolBar::DisconnectBrowser() {
   if (browser_ != nullptr && site_ != nullptr) site_->DisconnectBrowser();
@@ -96,8 +94,8 @@ bool ToolBar::CreateChecker() {
   const auto rexFile = process_.paths.ProgramFolder() / kRexComponent.file;
   const auto create = [&] {
     checker_ = std::make_unique<CheckURL>(
-        CheckPorts{process_.log, process_.ui, *process_.resolver, *process_.canonicalizer, process_.http,
-                   process_.XSS, process_.options, process_.endpoints, process_.CurrentRiskRank,
+        CheckPorts{process_.log, process_.ui, *process_.resolver, *process_.canonicalizer, process_.http, process_.XSS,
+                   process_.options, process_.endpoints, process_.CurrentRiskRank,
                    [this](const std::string& text) { ShowSiteInformation(text); }},
         NewObject(process_, rexFile, kRexComponent.progId));
     return !checker_->Failed();
@@ -144,9 +142,7 @@ std::int32_t ToolBar::AddBitmap() {
   return 0;
 }
 
-std::int32_t ToolBar::AddClientBitmap() {
-  return 0;
-}
+std::int32_t ToolBar::AddClientBitmap() { return 0; }
 
 void ToolBar::AddToolbarIcons() {
   std::string error;

@@ -60,7 +60,9 @@ class RecordingBrowser final : public Browser, public BandSite {
   }
   std::string LocationURL() override { return location; }
   bool Offline() override { return offline; }
-  void SetResizable(bool resizable) override { calls.push_back(std::string("Resizable ") + (resizable ? "on" : "off")); }
+  void SetResizable(bool resizable) override {
+    calls.push_back(std::string("Resizable ") + (resizable ? "on" : "off"));
+  }
   void ShowBar(BrowserBar bar, bool show) override {
     static constexpr const char* kNames[] = {"MenuBar", "StatusBar", "ToolBar", "AddressBar"};
     calls.push_back(std::string(kNames[static_cast<int>(bar)]) + (show ? " on" : " off"));
