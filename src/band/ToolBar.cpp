@@ -1,6 +1,6 @@
 #include "band/ToolBar.h"
 
-#include <cmath>
+#include <cctype>
 #include <functional>
 
 #include "band/BlockPage.h"
@@ -22,6 +22,23 @@ void Step(Log& log, const std::function<void()>& step) {
   } catch (const std::exception& error) {
     log.DebugLog("(IObjectWithSite_SetSite) Passed over a failing step: " + DescribeError(error));
   }
+}
+
+// A form field as a browser posts it (application/x-www-form-urlencoded).
+std::string FormField(std::string_view name, std::string_view value) {
+  static constexpr char kHex[] = "0123456789ABCDEF";
+  std::string field = std::string(name) + "=";
+  for (const char c : value) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (std::isalnum(byte) != 0 || c == '-' || c == '_' || c == '.' || c == '*') {
+      field += c;
+    } else if (c == ' ') {
+      field += '+';
+    } else {
+      field += {'%', kHex[byte >> 4], kHex[byte & 0xF]};
+    }
+  }
+  return field;
 }
 
 }  // namespace
@@ -222,6 +239,10 @@ std::vector<std::string> ToolBar::DestroyToolbar() {
   process_.http.pageFetch.reset();
   done("(DestroyToolbar) Destroyed PageFetch object");
   return lines;
+}
+
+void ToolBar::Search(std::string_view query) {
+  guard_.NavigatePost(process_.endpoints.site + "/search/", FormField("q", query));
 }
 
 void ToolBar::IDeskBand_ShowDW(bool show) {

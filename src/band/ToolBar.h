@@ -87,6 +87,9 @@ class ToolBar {
   ToolbarProcess& process() { return process_; }
   Browser* browser() const { return browser_; }
   CheckURL* checker() const { return checker_.get(); }
+  // The search box's query, posted as the form field q to the web site's
+  // /search/ page in the top frame.
+  void Search(std::string_view query);
   // Hands a new text to the site information strip, with a repaint.
   void ShowSiteInformation(const std::string& text);
   const SiteInformation& strip() const { return strip_; }

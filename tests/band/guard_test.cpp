@@ -245,12 +245,13 @@ TEST_F(GuardTest, APostedFormCarryingAScriptIsStopped) {
   EXPECT_EQ(record.outcome.step, CheckStep::Xss);
 }
 
-TEST_F(GuardTest, ThePostNavigationSendsAFormToTheTopFrame) {
-  guard().NavigatePost("http://www.news.example/search/", "q=tarnwick");
+TEST_F(GuardTest, TheSearchBoxPostsItsQueryToTheTopFrame) {
+  band.Search("tarnwick & co/100%");
   ASSERT_EQ(browser.navigations.size(), 1u);
   const NavigateRequest& request = browser.navigations[0];
+  EXPECT_EQ(request.url, server.Url("/search/"));
   EXPECT_EQ(request.targetFrame, "_top");
-  EXPECT_EQ(std::string(request.postData.begin(), request.postData.end()), "q=tarnwick");
+  EXPECT_EQ(std::string(request.postData.begin(), request.postData.end()), "q=tarnwick+%26+co%2F100%25");
   EXPECT_EQ(request.headers, "Content-Type: application/x-www-form-urlencoded\r\n");
 }
 
