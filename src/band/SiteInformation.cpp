@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::string_view kLinkPattern = R"((.*?)<a\s+href\s*=\s*["']([^"']*)["']>([^<]*)<\/a>([^<]*))";
 constexpr std::string_view kCountryPattern = R"((.*?)(\[[A-Z]{2}\])([^\[]*))";
-constexpr std::string_view kRatingPattern = R"(Risk rating:\s*(\d{1,2})\s*/\s*10)";
+constexpr std::string_view kRatingPattern = R"(Risk rating:\s*(10|\d)\s*/\s*10\b)";
 
 // The server escapes what it reflects; the strip shows the characters.
 std::string Unescape(std::string_view html) {
@@ -61,7 +61,7 @@ SiteInformation SiteInformationReader::Read(std::string_view text, std::int16_t 
   }
   Rex links(*linkRex_);
   if (const auto rating = links.Match(text, kRatingPattern, "i")) {
-    information.riskRank = static_cast<std::int16_t>(std::min(std::stoi((*rating)[0]), 10));
+    information.riskRank = static_cast<std::int16_t>(std::stoi((*rating)[0]));
   }
   if (const auto groups = links.Match(text, kLinkPattern, "ig")) {
     for (std::size_t i = 0; i + 3 < groups->size(); i += 4) {
@@ -92,14 +92,14 @@ void SiteInformationReader::AddPlainText(std::string_view text, SiteInformation&
     const std::string code = UpperAscii((*groups)[i + 1].substr(1, 2));
     // The name runs up to the next separator of the server's text.
     const std::string_view rest = (*groups)[i + 2];
-    const auto end = std::min(rest.find('|'), rest.size());
-    const std::string name = Unescape(Trim(rest.substr(0, end)));
-    information.runs.push_back({StripRun::Kind::Country, name, code});
+    const std::string_view name = Trim(rest.substr(0, rest.find('|')));
+    information.runs.push_back({StripRun::Kind::Country, Unescape(name), code});
     if (information.countryCode.empty()) {
       information.countryCode = code;
-      information.countryName = name;
+      information.countryName = Unescape(name);
     }
-    AddText(rest.substr(end), information);
+    const auto nameEnd = name.empty() ? 0 : static_cast<std::size_t>(name.data() + name.size() - rest.data());
+    AddText(rest.substr(nameEnd), information);
   }
   AddText(countries.Replace(text, kCountryPattern, "", "ig"), information);
 }

@@ -60,17 +60,24 @@ StartUpRecord ToolBar::IObjectWithSite_SetSite(BandSite* site) {
   site_ = site;
   if (site == nullptr) return record;
   Log& log = process_.log;
+  // The process-wide steps run for the first band of a process; a band that
+  // joins one already running (another tab of the same browser) finds them
+  // done.
+  record.processStartUp = process_.openBands == 0;
+  const auto processStep = [&](const std::function<void()>& step) {
+    if (record.processStartUp) Step(log, step);
+  };
 
-  Step(log, [&] { RunUpdaterHousekeeping(process_); });
+  processStep([&] { RunUpdaterHousekeeping(process_); });
   Step(log, [&] { ConnectBrowser(); });
-  Step(log, [&] { EnsureGUID(*process_.settings); });
-  Step(log, [&] { RegisterAboutURL(process_); });
-  Step(log, [&] {
+  processStep([&] { EnsureGUID(*process_.settings); });
+  processStep([&] { RegisterAboutURL(process_); });
+  processStep([&] {
     process_.LoadOptions();
     process_.initialised = true;
   });
-  Step(log, [&] { process_.http.Form_Load(); });
-  Step(log, [&] {
+  processStep([&] { process_.http.Form_Load(); });
+  processStep([&] {
     process_.http.pageFetch =
         NewObject(process_, process_.paths.ProgramFolder() / kPageFetchComponent.file, kPageFetchComponent.progId);
   });
@@ -79,20 +86,24 @@ StartUpRecord ToolBar::IObjectWithSite_SetSite(BandSite* site) {
     record.failedComponent = kPageFetchComponent.name;
     return record;
   }
-  Step(log, [&] { RequestFileHashes(process_); });
+  processStep([&] { RequestFileHashes(process_); });
   record.serverHashes = process_.updates.FileHashes.size();
-  Step(log, [&] { RefreshComponents(); });
+  processStep([&] { RefreshComponents(); });
   if (!CreateChecker()) {
     ComponentFailed("CheckURL");
     record.failedComponent = "CheckURL";
     return record;
   }
-  Step(log, [&] {
+  processStep([&] {
     process_.updates.UpdateToolbarDLL(false);
     record.updateCheckStatus = process_.updates.LastUpdateCheckStatus;
   });
   Step(log, [&] { CreateToolbar(); });
   record.toolbarCreated = toolbarWindow_ != 0;
+  if (!open_) {
+    open_ = true;
+    ++process_.openBands;
+  }
   return record;
 }
 
@@ -236,7 +247,13 @@ std::vector<std::string> ToolBar::DestroyToolbar() {
   done("(DestroyToolbar) Destroyed message window");
   // Hashing keeps no state between files, so there is no object to let go.
   done("(DestroyToolbar) Destroyed MD5 object");
-  process_.http.pageFetch.reset();
+  // The retrieval component is shared: the last band of the process lets
+  // it go.
+  if (open_) {
+    open_ = false;
+    --process_.openBands;
+  }
+  if (process_.openBands == 0) process_.http.pageFetch.reset();
   done("(DestroyToolbar) Destroyed PageFetch object");
   return lines;
 }

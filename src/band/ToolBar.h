@@ -48,6 +48,8 @@ struct BandInfo {
 
 // How far a start-up went.
 struct StartUpRecord {
+  // The process-wide steps ran: this was the process's first open band.
+  bool processStartUp = false;
   bool toolbarCreated = false;
   // "PageFetch" or "CheckURL" when a broken component stopped the start-up.
   std::string failedComponent;
@@ -121,6 +123,7 @@ class ToolBar {
   WindowHandle textWindow_ = 0;
   SearchBoxWindows searchBox_;
   bool showLabels_ = true;
+  bool open_ = false;  // counted among the process's open bands
   std::int32_t buttonIndent_ = 0;
 
   std::unique_ptr<SiteInformationReader> stripReader_;

@@ -70,6 +70,9 @@ class ToolbarProcess {
   std::int16_t CurrentRiskRank = -1;
   // Set once the options are loaded, and again when a toolbar is built.
   bool initialised = false;
+  // Bands started and not yet closed; the first runs the process-wide
+  // start-up, the last to close lets the retrieval component go.
+  int openBands = 0;
   // Name resolution and URL canonicalisation as the platform does them;
   // tests put their own in.
   std::unique_ptr<Resolver> resolver = MakePlatformResolver();

@@ -125,6 +125,30 @@ TEST_F(ToolBarTest, CloseTearsTheWindowsDownInOrderWithALineForEach) {
   EXPECT_EQ(band.IOleWindow_GetWindow(), 0u);
 }
 
+TEST_F(ToolBarTest, ASecondBandOfTheProcessSharesItsStartUpAndItsRetrievalComponent) {
+  EXPECT_TRUE(Start().processStartUp);
+  const int questions = ServerQuestions();
+  RecordingBrowser otherBrowser;
+  RecordingWindows otherWindows;
+  ToolBar other(process, otherWindows);
+  const StartUpRecord record = other.IObjectWithSite_SetSite(&otherBrowser);
+  EXPECT_FALSE(record.processStartUp);
+  EXPECT_TRUE(record.toolbarCreated);
+  EXPECT_EQ(record.updateCheckStatus, 0);
+
+  // Closing one band leaves the other working.
+  band.IDeskBand_CloseDW();
+  EXPECT_NE(process.http.pageFetch, nullptr);
+  t.ui.answers = {vbNo};
+  bool cancel = false;
+  EXPECT_TRUE(
+      other.guard().m_oIE_BeforeNavigate2(true, "http://phish.example/", 0, "", {}, "", cancel).outcome.checked);
+  EXPECT_TRUE(cancel);
+  EXPECT_EQ(ServerQuestions(), questions + 1);
+  other.IDeskBand_CloseDW();
+  EXPECT_EQ(process.http.pageFetch, nullptr);
+}
+
 TEST_F(ToolBarTest, ShowingAndRedrawingTouchOnlyTheirWindows) {
   Start();
   windows.calls.clear();
