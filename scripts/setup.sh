@@ -11,9 +11,10 @@ packages=(
   clang-format clang-tidy
   # libraries behind the components and the reference server
   libpcre2-dev libcurl4-openssl-dev libsqlite3-dev libpugixml-dev
-  libmicrohttpd-dev libgeoip-dev geoip-database
+  libmicrohttpd-dev libgeoip-dev geoip-database libsodium-dev
   # Windows leg: cross compiler and Wine
   g++-mingw-w64-x86-64-posix mingw-w64-x86-64-dev wine wine64 dpkg-dev
+  autoconf automake libtool
   # benchmarks
   wrk nginx-light python3
 )

@@ -16,6 +16,7 @@ done
 
 echo "=== windows build (tests under Wine)"
 bash scripts/build-pcre2-windows.sh
+bash scripts/build-libsodium-windows.sh
 cmake --preset windows >/dev/null
 cmake --build --preset windows
 bash scripts/wine-prefix.sh build/windows/wineprefix

@@ -24,9 +24,9 @@ class Host {
   explicit Host(const std::string& serverFlag = {}, int unattendedAnswer = vbNo);
   ToolbarProcess& process() { return *process_; }
   TerminalUi& ui() { return ui_; }
-  // What a band start does before any transfer: load the options, load the
-  // download form (swapping in a downloaded component) and create the shared
-  // retrieval component. False, with the reason on standard error, when
+  // What a band start does before any transfer: the updater housekeeping,
+  // load the options, load the download form (swapping in a downloaded
+  // component) and create the shared retrieval component. False, with the reason on standard error, when
   // transfers cannot work.
   bool StartTransfers();
 

@@ -4,6 +4,7 @@
 #include "Cli.h"
 #include "band/ComponentFactory.h"
 #include "band/Components.h"
+#include "band/StartUp.h"
 #include "settings/Endpoints.h"
 
 namespace tarnwick::cli {
@@ -16,6 +17,7 @@ Host::Host(const std::string& serverFlag, int unattendedAnswer)
 
 bool Host::StartTransfers() {
   ToolbarProcess& process = *process_;
+  RunUpdaterHousekeeping(process);
   EnsureGUID(*process.settings);
   process.LoadOptions();
   process.http.Form_Load();

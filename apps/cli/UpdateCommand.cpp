@@ -1,6 +1,6 @@
-// tarnwick update [--force] [--server URL]: what a band start does for the
-// files (the hash request, then the refresh of each file of the table and of
-// the menu files), then the self-update check.
+// tarnwick update [--force] [--answer yes|no] [--server URL]: what a band
+// start does for the files (the hash request, then the refresh of each file
+// of the table and of the menu files), then the self-update check.
 #include <iostream>
 
 #include "Cli.h"
@@ -16,7 +16,7 @@ std::pair<std::string, bool> Outcome(std::optional<std::int16_t> status, const f
     case 200: return {"fetched", false};
     case 304: return {"not modified", false};
     case 404: return {"not published (404)", false};
-    case 0: return {"failed (could not be written, see the log)", true};
+    case 0: return {"failed (discarded or could not be written, see the log)", true};
     default: return {"failed (" + std::to_string(*status) + ": " + http.ResponseText + ")", true};
   }
 }
@@ -26,11 +26,12 @@ std::pair<std::string, bool> Outcome(std::optional<std::int16_t> status, const f
 int RunUpdate(std::vector<std::string> args) {
   const bool force = TakeFlag(args, "--force");
   const std::string server = TakeOption(args, "--server");
-  if (!args.empty()) {
-    std::cerr << "usage: tarnwick update [--force] [--server URL]\n";
+  const std::string answer = TakeOption(args, "--answer");
+  if (!args.empty() || (!answer.empty() && answer != "yes" && answer != "no")) {
+    std::cerr << "usage: tarnwick update [--force] [--answer yes|no] [--server URL]\n";
     return kExitError;
   }
-  Host host(server);
+  Host host(server, answer == "yes" ? vbYes : vbNo);
   if (!host.StartTransfers()) return kExitError;
   ToolbarProcess& process = host.process();
   mdlUpdate& updates = process.updates;

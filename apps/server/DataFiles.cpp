@@ -40,6 +40,9 @@ std::optional<std::pair<std::filesystem::path, DataFiles::Stamp>> DataFiles::Pub
 }
 
 HttpResponse DataFiles::Update(std::string_view encodedName, std::string_view ifModifiedSince) const {
+  if (encodedName.ends_with(kSignatureSuffix)) {
+    return SignatureResponse(Update(encodedName.substr(0, encodedName.size() - kSignatureSuffix.size()), {}), signer_);
+  }
   const auto file = Published(PercentDecode(encodedName));
   if (!file) return ErrorResponse(404, "no such file");
   const auto& [path, stamp] = *file;

@@ -12,6 +12,7 @@
 #include <unordered_map>
 
 #include "server/HttpTypes.h"
+#include "server/UpdateSigning.h"
 #include "support/Log.h"
 
 namespace tarnwick::server {
@@ -20,11 +21,14 @@ inline constexpr std::string_view kUpdatesPrefix = "/updates/";
 
 class DataFiles {
  public:
-  DataFiles(std::filesystem::path folder, Log& log) : folder_(std::move(folder)), log_(log) {}
+  // `signer` (none: no signatures) signs what /updates/ serves.
+  DataFiles(std::filesystem::path folder, Log& log, const UpdateSigner* signer = nullptr)
+      : folder_(std::move(folder)), log_(log), signer_(signer) {}
 
   // GET /updates/<name>: the file with Last-Modified; 304 when
   // `ifModifiedSince` is at or after the file's time; 404 for a name that is
   // not a published file (including "..", slashes and hidden files).
+  // <name>.sig: the signature of what <name> serves.
   HttpResponse Update(std::string_view encodedName, std::string_view ifModifiedSince) const;
   // GET /file_hashes?file0=NAME&file1=NAME...: "NAME=HASH" CR LF for each
   // published file asked for, in the order asked.
@@ -50,6 +54,7 @@ class DataFiles {
 
   std::filesystem::path folder_;
   Log& log_;
+  const UpdateSigner* signer_;
   mutable std::mutex cacheMutex_;
   mutable std::unordered_map<std::string, CachedHash> hashes_;
 };

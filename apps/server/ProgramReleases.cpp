@@ -27,6 +27,9 @@ std::optional<Version> ParseVersion(std::string_view text) {
 }  // namespace
 
 HttpResponse ProgramReleases::CheckUpdate(std::string_view rest) const {
+  if (rest.ends_with(kSignatureSuffix)) {
+    return SignatureResponse(CheckUpdate(rest.substr(0, rest.size() - kSignatureSuffix.size())), signer_);
+  }
   const auto firstSlash = rest.find('/');
   const auto secondSlash = firstSlash == std::string_view::npos ? firstSlash : rest.find('/', firstSlash + 1);
   if (secondSlash == std::string_view::npos || rest.find('/', secondSlash + 1) != std::string_view::npos) {

@@ -1,4 +1,4 @@
-// tarnwick-server serve [--listen ADDRESS:PORT] [--db FILE] [--data DIR]
+// tarnwick-server serve [--listen ADDRESS:PORT] [--db FILE] [--data DIR] [--signing-key FILE]
 #include <csignal>
 #include <iostream>
 #include <mutex>
@@ -9,7 +9,8 @@
 namespace tarnwick::server::cli {
 namespace {
 
-constexpr const char* kUsage = "usage: tarnwick-server serve [--listen ADDRESS:PORT] [--db FILE] [--data DIR]\n";
+constexpr const char* kUsage =
+    "usage: tarnwick-server serve [--listen ADDRESS:PORT] [--db FILE] [--data DIR] [--signing-key FILE]\n";
 
 // Log lines go to standard error, whole, whichever thread writes them.
 void ReportLine(const std::string& line) {
@@ -23,7 +24,8 @@ void ReportLine(const std::string& line) {
 int RunServe(const std::vector<std::string>& args) {
   Arguments parsed;
   std::string error;
-  if (!ParseArguments(args, {"--listen", "--db", "--data"}, {}, parsed, error) || !parsed.operands.empty()) {
+  if (!ParseArguments(args, {"--listen", "--db", "--data", "--signing-key"}, {}, parsed, error) ||
+      !parsed.operands.empty()) {
     std::cerr << "tarnwick-server: " << (error.empty() ? "unexpected operand" : error) << '\n' << kUsage;
     return kExitError;
   }
@@ -41,6 +43,9 @@ int RunServe(const std::vector<std::string>& args) {
   settings.database = db != parsed.values.end() ? std::filesystem::path(db->second) : DefaultDatabase();
   const auto data = parsed.values.find("--data");
   settings.dataFolder = data != parsed.values.end() ? std::filesystem::path(data->second) : BundledDataFolder();
+  if (const auto key = parsed.values.find("--signing-key"); key != parsed.values.end()) {
+    settings.signingKey = key->second;
+  }
 
   // Every thread the server starts inherits this mask, so the signals wait
   // here for sigwait and never interrupt a worker.

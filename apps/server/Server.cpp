@@ -7,6 +7,7 @@
 #include "server/ProgramReleases.h"
 #include "server/ReportPages.h"
 #include "server/Router.h"
+#include "server/UpdateSigning.h"
 #include "server/Verdicts.h"
 #include "support/Clock.h"
 #include "support/Log.h"
@@ -28,6 +29,23 @@ RiskModel LoadRiskModel(const std::filesystem::path& dataFolder) {
   return RiskModel(std::move(*config), std::move(popularity));
 }
 
+// The key named in the settings (which must be there), else the data
+// folder's own, else none.
+std::optional<UpdateSigner> LoadSigner(const ServerSettings& settings, const Server::Reporter& report) {
+  const bool named = !settings.signingKey.empty();
+  const auto file = named ? settings.signingKey : settings.dataFolder / "server" / kSecretKeyFileName;
+  std::error_code error;
+  if (!named && !std::filesystem::exists(file, error)) {
+    report("no update signing key at " + file.string() + ": updates are served unsigned (every .sig answers 404)");
+    return std::nullopt;
+  }
+  std::string why;
+  auto signer = UpdateSigner::Load(file, why);
+  if (!signer) throw std::runtime_error(why);
+  report("signing updates with " + file.string() + " (public key " + signer->PublicKeyHex() + ")");
+  return signer;
+}
+
 class RunningServer final : public Server {
  public:
   RunningServer(const ServerSettings& settings, const Reporter& report)
@@ -36,8 +54,9 @@ class RunningServer final : public Server {
         storage_(OpenSqliteStorage(settings.database)),
         live_(PhishIndex::Load(*storage_)),
         reloader_(OpenSqliteStorage(settings.database), live_, observations_, settings.reloadInterval, report),
-        files_(settings.dataFolder, log_),
-        releases_(settings.dataFolder / kReleasesFolder, log_),
+        signer_(LoadSigner(settings, report)),
+        files_(settings.dataFolder, log_, signer_ ? &*signer_ : nullptr),
+        releases_(settings.dataFolder / kReleasesFolder, log_, signer_ ? &*signer_ : nullptr),
         pages_(*storage_, risk_.config()),
         verdicts_(live_, observations_, risk_, geoIp_),
         router_(verdicts_, files_, releases_, pages_, address_),
@@ -67,6 +86,7 @@ class RunningServer final : public Server {
   Observations observations_;
   LiveIndex live_;
   IndexReloader reloader_;
+  std::optional<UpdateSigner> signer_;
   DataFiles files_;
   ProgramReleases releases_;
   ReportPages pages_;

@@ -23,6 +23,9 @@ struct ServerSettings {
   std::filesystem::path database;
   std::filesystem::path dataFolder;
   std::filesystem::path geoIpDatabase = kDefaultGeoIpDatabase;
+  // The secret key that signs updates; empty: server/update-signing.key in
+  // the data folder, when it exists (without one, nothing is signed).
+  std::filesystem::path signingKey;
   std::chrono::milliseconds reloadInterval{1000};
 };
 

@@ -35,5 +35,6 @@ std::filesystem::path BundledDataFolder();
 int RunServe(const std::vector<std::string>& args);
 int RunImport(const std::vector<std::string>& args);
 int RunReports(const std::vector<std::string>& args);
+int RunKeygen(const std::vector<std::string>& args);
 
 }  // namespace tarnwick::server::cli

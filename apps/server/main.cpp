@@ -12,16 +12,21 @@ constexpr const char* kHelp =
     "usage: tarnwick-server COMMAND [OPTIONS]\n"
     "\n"
     "commands:\n"
-    "  serve [--listen ADDRESS:PORT] [--db FILE] [--data DIR]\n"
+    "  serve [--listen ADDRESS:PORT] [--db FILE] [--data DIR] [--signing-key FILE]\n"
     "        answer the toolbar; prints the base address as its first line\n"
     "        (default 127.0.0.1:8750; port 0 picks a free port); SIGHUP reloads\n"
-    "        the feeds at once, SIGTERM and SIGINT stop it\n"
+    "        the feeds at once, SIGTERM and SIGINT stop it; updates are signed\n"
+    "        with the key in FILE (default: server/update-signing.key in the\n"
+    "        data folder, when it exists)\n"
     "  import [--db FILE] --format FORMAT [--whole-sites] [--batch ROWS] FILE\n"
     "        add a phishing feed (FILE - reads standard input); FORMAT is\n"
     "        phishtank-csv, phishtank-json, openphish, urlhaus-csv or lines;\n"
     "        exit status 1 when rows were rejected\n"
     "  reports [--db FILE]\n"
     "        list the reports people sent through the web pages\n"
+    "  keygen [--out DIR]\n"
+    "        write a new key pair for signing updates to DIR (default: the\n"
+    "        current folder): update-signing.key (secret) and update-signing.pub\n"
     "\n"
     "  --help                      this text\n"
     "  --version                   the program's name and version\n"
@@ -47,6 +52,7 @@ int main(int argc, char** argv) {
   if (args[0] == "serve") return RunServe(rest);
   if (args[0] == "import") return RunImport(rest);
   if (args[0] == "reports") return RunReports(rest);
+  if (args[0] == "keygen") return RunKeygen(rest);
   std::cerr << "tarnwick-server: unknown command '" << args[0] << "' (see tarnwick-server --help)\n";
   return kExitError;
 }

@@ -18,6 +18,8 @@ PageFetchObject::PageFetchObject(std::function<ZoneLists()> zoneLists, Retriever
            [this](kit::Arguments& a) -> Variant { return retriever_.RetrieveAsyncHeaders(a.Text(0)); }},
           {"RetrieveAsyncPageSize", 1, 1,
            [this](kit::Arguments& a) -> Variant { return retriever_.RetrieveAsyncPageSize(a.Text(0)); }},
+          {"RetrieveAsyncReceived", 1, 1,
+           [this](kit::Arguments& a) -> Variant { return retriever_.RetrieveAsyncReceived(a.Text(0)); }},
           {"RetrieveAsyncPage", 2, 2,
            [this](kit::Arguments& a) -> Variant {
              retriever_.RetrieveAsyncPage(a.Text(0), a.Bytes(1));

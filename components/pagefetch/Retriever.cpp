@@ -3,6 +3,7 @@
 #include <curl/curl.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <string_view>
 
 namespace tarnwick::pagefetch {
@@ -66,6 +67,7 @@ struct Retriever::Transfer {
   std::string body;
   std::string page;  // body or error answer, once finished
   std::size_t maxBody = 0;
+  std::size_t received = 0;  // header and body bytes, every response
   bool bodyTooLarge = false;
   std::int32_t state = kStateWaiting;
   char error[CURL_ERROR_SIZE] = {};
@@ -77,6 +79,7 @@ struct Retriever::Transfer {
 
   static size_t OnHeader(char* data, size_t size, size_t count, void* self) {
     auto& transfer = *static_cast<Transfer*>(self);
+    transfer.received += size * count;
     std::string_view line(data, size * count);
     while (!line.empty() && (line.back() == '\n' || line.back() == '\r')) line.remove_suffix(1);
     // Every response (redirects, 100 Continue) starts a fresh block.
@@ -90,6 +93,7 @@ struct Retriever::Transfer {
 
   static size_t OnBody(char* data, size_t size, size_t count, void* self) {
     auto& transfer = *static_cast<Transfer*>(self);
+    transfer.received += size * count;
     if (transfer.body.size() + size * count > transfer.maxBody) {
       transfer.bodyTooLarge = true;
       return 0;  // aborts the transfer with a write error
@@ -222,6 +226,12 @@ std::string Retriever::RetrieveAsyncHeaders(const std::string& url) {
 std::int32_t Retriever::RetrieveAsyncPageSize(const std::string& url) {
   const Transfer* transfer = Find(url);
   return transfer == nullptr ? 0 : static_cast<std::int32_t>(transfer->page.size());
+}
+
+std::int32_t Retriever::RetrieveAsyncReceived(const std::string& url) {
+  const Transfer* transfer = Find(url);
+  if (transfer == nullptr) return 0;
+  return static_cast<std::int32_t>(std::min<std::size_t>(transfer->received, INT32_MAX));
 }
 
 void Retriever::RetrieveAsyncPage(const std::string& url, std::vector<std::uint8_t>& buffer) {

@@ -13,6 +13,11 @@
 //        status), and what failed ("1007 Couldn't connect to server: ...")
 //   A URL with no transfer reads as state 3 with an empty page.
 //
+// RetrieveAsyncReceived tells how many bytes of the answer (header lines and
+// body, over every response of the transfer) have arrived so far: a caller
+// that sees it grow knows the server is still sending, and can bound silence
+// rather than the whole transfer.
+//
 // Every transfer also has limits of its own (connect, total time, body size),
 // so one its caller abandons still ends. Proxies come from the usual
 // environment variables, as libcurl reads them.
@@ -55,6 +60,8 @@ class Retriever {
   // header, separated by CR LF.
   std::string RetrieveAsyncHeaders(const std::string& url);
   std::int32_t RetrieveAsyncPageSize(const std::string& url);
+  // Bytes received so far (0 for a URL with no transfer), at most 2^31 - 1.
+  std::int32_t RetrieveAsyncReceived(const std::string& url);
   // Copies the page into `buffer`, up to the buffer's size.
   void RetrieveAsyncPage(const std::string& url, std::vector<std::uint8_t>& buffer);
   void RetrieveAsyncFinish(const std::string& url);

@@ -5,7 +5,11 @@
 namespace tarnwick {
 
 void RunUpdaterHousekeeping(ToolbarProcess& process) {
-  if (!process.updates.ProbeProgramFolder()) process.shell.StartProgram(process.paths.ProgramFolder() / "updater.exe");
+  if (process.updates.ProbeProgramFolder()) return;
+  const auto updater = process.paths.ProgramFolder() / "updater.exe";
+  const bool started = process.shell.StartProgram(updater, {"/i"});
+  process.log.WriteLog("(RunUpdaterHousekeeping) The program folder probe failed; " +
+                       std::string(started ? "started " : "could not start ") + updater.string() + " /i");
 }
 
 void RequestFileHashes(ToolbarProcess& process) {

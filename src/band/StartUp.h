@@ -1,6 +1,6 @@
-// The band's start-up steps that the command line runs as well: asking the
-// server for the hashes of its files, and refreshing and loading the two
-// block lists the checker works from.
+// The band's start-up steps that the command line runs as well: the updater
+// housekeeping, asking the server for the hashes of its files, and
+// refreshing and loading the two block lists the checker works from.
 #pragma once
 
 #include "band/ToolbarProcess.h"
@@ -8,8 +8,8 @@
 
 namespace tarnwick {
 
-// Checks that the program folder can be written (copying updater.exe beside
-// itself); when it cannot, starts updater.exe to repair it.
+// Probes the program folder (ProbeProgramFolder); when it cannot be written,
+// starts the folder's updater.exe with "/i" to repair it, without waiting.
 void RunUpdaterHousekeeping(ToolbarProcess& process);
 
 // The hash request for the files of the refresh tables, in their order.

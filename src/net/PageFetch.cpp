@@ -48,6 +48,16 @@ std::int32_t PageFetch::RetrieveAsyncPageSize(const std::string& url) {
   return As<std::int32_t>(Call("RetrieveAsyncPageSize", args), "RetrieveAsyncPageSize");
 }
 
+std::optional<std::int32_t> PageFetch::RetrieveAsyncReceived(const std::string& url) {
+  std::array<Variant, 1> args{url};
+  Variant result;
+  std::string error;
+  const long number = object_.Invoke("RetrieveAsyncReceived", args, result, error);
+  if (number == kErrMemberNotFound) return std::nullopt;
+  if (number != kInvokeOk) throw RoutineError(number, error);
+  return As<std::int32_t>(result, "RetrieveAsyncReceived");
+}
+
 void PageFetch::RetrieveAsyncPage(const std::string& url, std::vector<std::uint8_t>& buffer) {
   std::array<Variant, 2> args{url, std::move(buffer)};
   Call("RetrieveAsyncPage", args);

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -24,6 +25,9 @@ class PageFetch {
   std::int32_t RetrieveAsyncCompleted(const std::string& url);
   std::string RetrieveAsyncHeaders(const std::string& url);
   std::int32_t RetrieveAsyncPageSize(const std::string& url);
+  // Bytes of the answer received so far; nullopt from a component that does
+  // not have this member (it is newer than the others).
+  std::optional<std::int32_t> RetrieveAsyncReceived(const std::string& url);
   void RetrieveAsyncPage(const std::string& url, std::vector<std::uint8_t>& buffer);
   void RetrieveAsyncFinish(const std::string& url);
   void RetrieveAsyncWait(std::int32_t milliseconds);

@@ -1,12 +1,13 @@
 #include "net/frmHTTP.h"
 
 #include <cmath>
+#include <optional>
 #include <vector>
 
 #include "ProductInfo.h"
+#include "net/HttpAnswer.h"
 #include "net/PageFetch.h"
 #include "net/mdlUpdate.h"
-#include "settings/SettingValue.h"
 #include "support/DateTime.h"
 #include "support/Files.h"
 
@@ -15,14 +16,8 @@ namespace {
 
 std::string DebuggingTitle() { return std::string(product::kFileDescription) + " Debugging"; }
 
-// The number an error answer begins with, as a 16-bit status.
-std::int16_t StatusOfAnswer(const std::string& number) {
-  try {
-    return ToInteger(number);
-  } catch (const ConversionError& error) {
-    throw RoutineError(error.number(), error.what());
-  }
-}
+// "Permission denied": the one load error not worth a message box.
+constexpr long kErrPermissionDenied = 70;
 
 }  // namespace
 
@@ -31,17 +26,36 @@ frmHTTP::frmHTTP(NetPorts ports, DownloadDialog& dialog) : ports_(ports), dialog
 }
 
 void frmHTTP::Form_Load() {
-  currentFrame_ = 0;
-  dialog_.DrawFrame(currentFrame_);
-  if (!FileExists(ports_.paths.ProgramFolder() / "pagefetch.dll")) {
-    ports_.ui.MessageBox("Your copy of " + std::string(product::kFileDescription) + " is too old.\r\n" +
-                             "You will need to uninstall it using the Control Panel, then download\r\n" +
-                             "and install the latest version from " + ports_.endpoints.server + "/install/",
-                         product::kFileDescription, vbOKOnly);
-    return;
+  // The animation and the component are loaded apart: a failure in the first
+  // still lets transfers work.
+  TrapLoadError([this] {
+    currentFrame_ = 0;
+    dialog_.DrawFrame(currentFrame_);
+  });
+  TrapLoadError([this] {
+    RecoverPageFetchSwap(ports_);
+    if (!FileExists(ports_.paths.ProgramFolder() / "pagefetch.dll")) {
+      ports_.ui.MessageBox("Your copy of " + std::string(product::kFileDescription) + " is too old.\r\n" +
+                               "You will need to uninstall it using the Control Panel, then download\r\n" +
+                               "and install the latest version from " + ports_.endpoints.server + "/install/",
+                           product::kFileDescription, vbOKOnly);
+      return;
+    }
+    SwapPageFetch(ports_);
+    ComponentReady = true;
+  });
+}
+
+void frmHTTP::TrapLoadError(const std::function<void()>& step) {
+  try {
+    step();
+  } catch (const std::exception& error) {
+    const std::string text = "An error occurred while loading frmHTTP: " + DescribeError(error);
+    ports_.log.DebugLog(text);
+    if (ports_.options.Debug && ErrorNumber(error) != kErrPermissionDenied) {
+      ports_.ui.MessageBox(text, DebuggingTitle(), vbExclamation);
+    }
   }
-  SwapPageFetch(ports_);
-  ComponentReady = true;
 }
 
 void frmHTTP::Form_Unload() {
@@ -78,6 +92,7 @@ void frmHTTP::Start_Download(bool ShowDialog, std::string_view Method, std::stri
     ResponseHeaders.clear();
     HTTPStatus = 0;
     startTime_ = ports_.clock.Now();
+    cancelled_ = false;
 
     if (!pageFetch) throw RoutineError(91, "Object variable or With block variable not set");
     PageFetch component(*pageFetch);
@@ -105,9 +120,8 @@ void frmHTTP::Start_Download(bool ShowDialog, std::string_view Method, std::stri
     } else {
       Wait_Download();
     }
-  } catch (const RoutineError& error) {
-    ports_.log.WriteLog("Failed to update from URL (" + URL + "): " + error.what() + " (" +
-                        std::to_string(error.number()) + ")");
+  } catch (const std::exception& error) {
+    ReportError("Failed to update from URL (" + URL + "): " + DescribeError(error));
   }
 }
 
@@ -115,6 +129,9 @@ void frmHTTP::Wait_Download() {
   try {
     PageFetch component(*pageFetch);
     std::int32_t previous = -1;
+    // While the component can say how much has arrived, every byte moves the
+    // start of the time-out on: it bounds silence, not the whole transfer.
+    std::optional<std::int32_t> received = 0;
     for (;;) {
       ports_.ui.DoEvents();
       AnimationTick();
@@ -124,6 +141,11 @@ void frmHTTP::Wait_Download() {
         previous = state;
       }
       if (state == 4) {
+        if (received) {
+          const auto now = component.RetrieveAsyncReceived(URL);
+          if (now && *now != *received && !cancelled_) startTime_ = ports_.clock.Now();
+          received = now;
+        }
         const auto elapsed = static_cast<long long>(std::nearbyint((ports_.clock.Now() - startTime_) * kSecondsPerDay));
         if (elapsed > ports_.options.ServerTimeout) {
           ports_.log.DebugLog("(frmHTTP) Cancelling download of " + URL + " after " + std::to_string(elapsed) +
@@ -142,8 +164,8 @@ void frmHTTP::Wait_Download() {
       }
       component.RetrieveAsyncWait(kPollMilliseconds);
     }
-  } catch (const RoutineError& error) {
-    ReportWaitError(error.number(), error.what());
+  } catch (const std::exception& error) {
+    ReportError("Failed to download URL (" + URL + "): " + DescribeError(error));
   }
 }
 
@@ -161,14 +183,16 @@ void frmHTTP::FinishWithAnswer(std::int32_t state) {
   if (state == 2) {
     HTTPStatus = 200;
   } else if (size > 0) {
-    const auto space = ResponseText.find(' ');
-    if (space == std::string::npos) {
+    ErrorAnswer answer;
+    try {
+      answer = ReadErrorAnswer(ResponseText);
+    } catch (const RoutineError&) {
       // The answer stays with the component until its URL is used again.
       component.RetrieveAsyncFinish(URL);
-      throw RoutineError(kErrInvalidProcedureCall, "Invalid procedure call or argument");
+      throw;
     }
-    HTTPStatus = StatusOfAnswer(ResponseText.substr(0, space));
-    ResponseText.erase(0, space + 1);
+    HTTPStatus = answer.status;
+    ResponseText = std::move(answer.text);
   } else {
     HTTPStatus = -1;
     ResponseText.clear();
@@ -177,23 +201,18 @@ void frmHTTP::FinishWithAnswer(std::int32_t state) {
   if (dialog_.Visible()) dialog_.Hide();
 }
 
-void frmHTTP::ReportWaitError(long number, const std::string& description) {
-  const std::string text = "Failed to download URL (" + URL + "): " + description + " (" + std::to_string(number) + ")";
+void frmHTTP::ReportError(const std::string& text) {
   ports_.log.WriteLog(text);
   if (ports_.options.Debug) ports_.ui.MessageBox(text, DebuggingTitle(), vbExclamation);
 }
 
 std::string frmHTTP::GetHeader(std::string_view Name) {
-  const std::string key = std::string(Name) + ":";
-  std::size_t start = ResponseHeaders.find("\r\n");
-  while (start != std::string::npos) {
-    start += 2;
-    const std::size_t end = ResponseHeaders.find("\r\n", start);
-    const std::string_view line = std::string_view(ResponseHeaders).substr(start, end - start);
-    if (!line.empty() && line.starts_with(key)) return std::string(line.substr(std::min(key.size() + 1, line.size())));
-    start = end;
+  try {
+    return HeaderValue(ResponseHeaders, Name);
+  } catch (const std::exception& error) {
+    ports_.log.DebugLog("(GetHeader) " + std::string(error.what()) + "(" + std::to_string(ErrorNumber(error)) + ")");
+    return {};
   }
-  return {};
 }
 
 void frmHTTP::cmdCancel_Click() {
@@ -201,6 +220,7 @@ void frmHTTP::cmdCancel_Click() {
   HTTPStatus = 504;
   ResponseText = "Cancelled at user request";
   startTime_ = 0;
+  cancelled_ = true;
   ports_.log.WriteLog("Download of " + URL + " cancelled at user request");
   if (dialog_.Visible()) dialog_.Hide();
 }

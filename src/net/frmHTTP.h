@@ -2,10 +2,14 @@
 // the request to the retrieval component, waits (letting the host's events
 // run and sleeping on the transfer's sockets between polls), applies the
 // ServerTimeout setting, and leaves status, header block and body for the
-// caller to read.
+// caller to read. The time-out bounds reaching the server and silence: a
+// component that reports the bytes it has received (RetrieveAsyncReceived)
+// keeps a transfer going for as long as bytes keep coming, up to its own
+// limits; with one that does not, it bounds the whole transfer.
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -56,11 +60,17 @@ class frmHTTP {
   void Wait_Download();
   void AnimationTick();
   void FinishWithAnswer(std::int32_t state);
-  void ReportWaitError(long number, const std::string& description);
+  // Logs a routine's failure in the event log, and shows it with Debug on.
+  void ReportError(const std::string& text);
+  // Runs one part of Form_Load under the form's load-error trap.
+  void TrapLoadError(const std::function<void()>& step);
 
   NetPorts ports_;
   DownloadDialog& dialog_;
+  // When the request was issued, moved on by every byte received; 0 after a
+  // cancel, which then stays.
   double startTime_ = 0;
+  bool cancelled_ = false;
   bool animating_ = false;
   double nextFrameTime_ = 0;
   int currentFrame_ = 0;

@@ -4,11 +4,13 @@
 #include <system_error>
 
 #include "ProductInfo.h"
+#include "net/DownloadCheck.h"
+#include "net/FileHashList.h"
 #include "settings/mdlRegistry.h"
-#include "support/CMD5.h"
 #include "support/DateTime.h"
 #include "support/Files.h"
 #include "support/RoutineError.h"
+#include "support/SwapFiles.h"
 #include "support/Text.h"
 #include "support/Version.h"
 
@@ -18,7 +20,10 @@ namespace {
 using mdlRegistry::kSettingsKey;
 
 constexpr std::string_view kEpochLastModified = "Thu, 1 Jan 1970 00:00:00 GMT";
-constexpr std::string_view kMenuLastModifiedKey = "Software\\Tarnwick\\Toolbar\\Settings\\Menus";
+// Each menu file keeps the Last-Modified of its own last fetch.
+constexpr std::string_view kTarnwickMenuLastModifiedKey = "Software\\Tarnwick\\Toolbar\\Settings\\Menus\\tarnwick.xml";
+constexpr std::string_view kMenuLastModifiedKey = "Software\\Tarnwick\\Toolbar\\Settings\\Menus\\menu.xml";
+constexpr std::string_view kLogoLastModifiedKey = "Software\\Tarnwick\\Toolbar\\Settings\\Menus\\logo.bmp";
 
 double NowSeconds(Clock& clock) { return std::nearbyint(clock.Now() * kSecondsPerDay); }
 
@@ -56,32 +61,44 @@ const std::vector<RefreshEntry>& StartupRefreshTable() {
 
 const std::vector<RefreshEntry>& MenuRefreshTable() {
   static const std::vector<RefreshEntry> table = {
-      {"tarnwick.xml", "tarnwick.xml", "LastCheckedTarnwickMenu", 0, false, false, kMenuLastModifiedKey, false},
+      {"tarnwick.xml", "tarnwick.xml", "LastCheckedTarnwickMenu", 0, false, false, kTarnwickMenuLastModifiedKey, false},
       {"menu.xml", "menu.xml", "LastCheckedMenu", 0, false, false, kMenuLastModifiedKey, false},
-      {"logo.bmp", "logo.bmp", "LastCheckedLogo", 0, false, false, kMenuLastModifiedKey, false},
+      {"logo.bmp", "logo.bmp", "LastCheckedLogo", 0, false, false, kLogoLastModifiedKey, false},
   };
   return table;
 }
 
+namespace {
+
+VersionedFile PageFetchFiles(NetPorts& ports) {
+  return VersionedFile::In(ports.paths.ProgramFolder(), "pagefetch.dll");
+}
+
+// "Deleted pagefetch.old", "Renamed pagefetch.dll to pagefetch.old".
+std::string Describe(const SwapStep& step) {
+  if (step.to.empty()) return "Deleted " + step.from.filename().string();
+  return "Renamed " + step.from.filename().string() + " to " + step.to.filename().string();
+}
+
+void ReportSwapFailure(NetPorts& ports, const SwapFailure& failure) {
+  ports.log.DebugLog("Unrecoverable error occurred while creating pagefetch object: " + Describe(failure.step) +
+                     " failed: " + failure.error.message() + " (" + std::to_string(failure.error.value()) + ")");
+}
+
+}  // namespace
+
+void RecoverPageFetchSwap(NetPorts& ports) {
+  const auto failure = RecoverSwap(PageFetchFiles(ports), [&ports](const SwapStep& step) {
+    ports.log.WriteLog("Repaired an interrupted swap of pagefetch.dll: " + Describe(step));
+  });
+  if (failure) ReportSwapFailure(ports, *failure);
+}
+
 void SwapPageFetch(NetPorts& ports) {
-  const auto folder = ports.paths.ProgramFolder();
-  try {
-    if (!FileExists(folder / "pagefetch.new")) return;
-    std::error_code error;
-    if (FileExists(folder / "pagefetch.old")) {
-      std::filesystem::permissions(folder / "pagefetch.old", std::filesystem::perms::owner_write,
-                                   std::filesystem::perm_options::add, error);
-      std::filesystem::remove(folder / "pagefetch.old");
-      ports.log.DebugLog("Deleted pagefetch.old");
-    }
-    std::filesystem::rename(folder / "pagefetch.dll", folder / "pagefetch.old");
-    ports.log.DebugLog("Renamed pagefetch.dll to pagefetch.old");
-    std::filesystem::rename(folder / "pagefetch.new", folder / "pagefetch.dll");
-    ports.log.DebugLog("Renamed pagefetch.new to pagefetch.dll");
-  } catch (const std::filesystem::filesystem_error& error) {
-    ports.log.DebugLog("Unrecoverable error occurred while creating pagefetch object: " + error.code().message() +
-                       " (" + std::to_string(error.code().value()) + ")");
-  }
+  const VersionedFile files = PageFetchFiles(ports);
+  if (!FileExists(files.pending)) return;
+  const auto failure = SwapInPending(files, [&ports](const SwapStep& step) { ports.log.DebugLog(Describe(step)); });
+  if (failure) ReportSwapFailure(ports, *failure);
 }
 
 mdlUpdate::mdlUpdate(NetPorts ports, frmHTTP& http, Shell& shell) : ports_(ports), http_(http), shell_(shell) {}
@@ -130,18 +147,18 @@ std::int16_t mdlUpdate::UpdateLocalFile(bool ShowDialog, std::string_view URL, s
     log.DebugLog("(UpdateLocalFile) Updating now");
     http_.Start_Download(ShowDialog, "GET", URL, Agent, headers, "", Caption);
     result = http_.HTTPStatus;
-    if (result == 200 || result == 304 || result == 404) SetLastChecked(LastCheckedName);
+    if (result == 304 || result == 404) SetLastChecked(LastCheckedName);
     if (result == 200) {
-      const auto path = ports_.paths.ProgramFolder() / name;
-      if (!WriteFile(log, path, http_.ResponseText)) {
-        log.DebugLog("(UpdateLocalFile) Failed to write " + path.string());
-        result = 0;
+      // Fetching the signature reuses the form: keep what this answer brought.
+      const std::string content = http_.ResponseText;
+      const std::string lastModified = http_.GetHeader("Last-Modified");
+      // A file that does not prove itself is no completed check: the next
+      // start asks again.
+      if (AcceptDownload(URL, name, Agent, content)) {
+        SetLastChecked(LastCheckedName);
+        result = InstallDownload(URL, name, content, LastModifiedKey, lastModified);
       } else {
-        log.WriteLog("Downloaded " + name + " from " + std::string(URL));
-        if (!LastModifiedKey.empty()) {
-          mdlRegistry::SaveSetting(ports_.settings, LastModifiedKey, "LastModified", http_.GetHeader("Last-Modified"),
-                                   kRegSz);
-        }
+        result = 0;
       }
     } else {
       log.DebugLog("Failed to download " + name + " (" + std::to_string(result) + ": " + http_.ResponseText + ")");
@@ -157,6 +174,47 @@ std::int16_t mdlUpdate::UpdateLocalFile(bool ShowDialog, std::string_view URL, s
   return result;
 }
 
+std::int16_t mdlUpdate::InstallDownload(std::string_view URL, const std::string& name, const std::string& content,
+                                        std::string_view LastModifiedKey, const std::string& lastModified) {
+  const auto path = ports_.paths.ProgramFolder() / name;
+  if (!WriteFile(ports_.log, path, content)) {
+    ports_.log.DebugLog("(UpdateLocalFile) Failed to write " + path.string());
+    return 0;
+  }
+  ports_.log.WriteLog("Downloaded " + name + " from " + std::string(URL));
+  if (!LastModifiedKey.empty()) {
+    mdlRegistry::SaveSetting(ports_.settings, LastModifiedKey, "LastModified", lastModified, kRegSz);
+  }
+  return 200;
+}
+
+bool mdlUpdate::AcceptDownload(std::string_view URL, const std::string& name, std::string_view Agent,
+                               const std::string& content) {
+  const auto discard = [&](const std::string& why) {
+    ports_.log.WriteLog("(UpdateLocalFile) Discarded " + name + " from " + std::string(URL) + ": " + why);
+    return false;
+  };
+  const std::string published = PublishedName(URL, ports_.endpoints.server);
+  const bool code = IsCodeFile(name);
+  if (published.empty() && !code) return discard("nothing to check it against");
+  if (!published.empty()) {
+    const auto listed = FileHashes.find(published);
+    if (listed == FileHashes.end()) return discard("the server published no hash for " + published);
+    const std::string hash = ContentHash(content, HashedAsBytes(published));
+    if (hash != listed->second) return discard("its MD5 " + hash + " is not the published " + listed->second);
+  }
+  if (!code) return true;
+  std::string why;
+  const auto key = UpdatePublicKey(ports_.settings, why);
+  if (!key) return discard(why);
+  http_.Start_Download(false, "GET", std::string(URL) + ".sig", Agent, "", "", "");
+  if (http_.HTTPStatus != 200) {
+    return discard("no signature (" + std::to_string(http_.HTTPStatus) + ": " + http_.ResponseText + ")");
+  }
+  if (!VerifyDetached(content, http_.ResponseText, *key)) return discard("its signature does not verify");
+  return true;
+}
+
 void mdlUpdate::GetFileHashes(std::string_view FileList) {
   const std::vector<std::string> names = Split(FileList, "\r\n");
   std::string query = "?file0=" + names[0];
@@ -166,19 +224,13 @@ void mdlUpdate::GetFileHashes(std::string_view FileList) {
     ports_.log.DebugLog("(GetFileHashes) Failed: " + http_.ResponseText);
     return;
   }
-  const std::vector<std::string> lines = Split(http_.ResponseText, "\r\n");
-  // The reply ends with CR LF: its last piece is never a line of its own.
-  for (std::size_t i = 0; i + 1 < lines.size(); ++i) {
-    const auto equals = lines[i].find('=');
-    const std::string name = lines[i].substr(0, equals);
-    std::string hash;
-    if (equals != std::string::npos) {
-      hash = lines[i].substr(equals + 1);
-      hash = hash.substr(0, hash.find('='));
-    }
+  const FileHashList list = ReadFileHashList(http_.ResponseText);
+  for (const auto& [name, hash] : list.entries) {
     ports_.log.DebugLog("(GetFileHashes) Storing " + name + ": " + hash);
     FileHashes[name] = hash;
   }
+  // A line without "=" has no hash part to take.
+  if (list.stoppedAtMalformedLine) ports_.log.DebugLog("(GetFileHashes) Error: Subscript out of range (9)");
 }
 
 bool mdlUpdate::CheckServerMD5(std::string_view Hash, std::string_view FileName) {
@@ -188,9 +240,7 @@ bool mdlUpdate::CheckServerMD5(std::string_view Hash, std::string_view FileName)
 }
 
 std::string mdlUpdate::LocalHash(std::string_view fileName, bool binary) {
-  const auto path = ports_.paths.ProgramFolder() / std::string(fileName);
-  CMD5 md5;
-  return UpperAscii(binary ? md5.MD5Byte(ReadBinaryFile(ports_.log, path)) : md5.MD5(ReadFile(ports_.log, path)));
+  return ContentHash(ReadFile(ports_.log, ports_.paths.ProgramFolder() / std::string(fileName)), binary);
 }
 
 std::optional<std::int16_t> mdlUpdate::Refresh(const RefreshEntry& entry, std::string_view agent) {
@@ -208,7 +258,7 @@ bool mdlUpdate::UpdateToolbarDLL(bool Forced) {
   LastUpdateCheckStatus = UpdateLocalFile(true, url, "twtb.new", "LastCheckedDLL", ports_.options.DLLUpdateInterval,
                                           AgentString(), "", Forced, "");
   if (LastUpdateCheckStatus != 200) {
-    ports_.log.DebugLog("(UpdateToolbarDLL) DLL update failed with status " + std::to_string(LastUpdateCheckStatus));
+    ports_.log.DebugLog("(UpdateToolbarDLL) DLL update failed with status " + std::to_string(http_.HTTPStatus));
     return false;
   }
   ports_.log.DebugLog("(UpdateToolbarDLL) An updated DLL is available");

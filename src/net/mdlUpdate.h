@@ -36,15 +36,22 @@ const std::vector<RefreshEntry>& StartupRefreshTable();
 const std::vector<RefreshEntry>& MenuRefreshTable();
 
 // Moves a downloaded pagefetch.new into place (pagefetch.dll -> .old), the
-// next time the download form loads.
+// next time the download form loads. When the second rename fails the first
+// is undone.
 void SwapPageFetch(NetPorts& ports);
+// Repairs a swap cut short between its renames (pagefetch.dll missing,
+// pagefetch.old present): finishes it with pagefetch.new, or puts
+// pagefetch.old back. Runs before the form looks for pagefetch.dll.
+void RecoverPageFetchSwap(NetPorts& ports);
 
 class mdlUpdate {
  public:
   mdlUpdate(NetPorts ports, frmHTTP& http, Shell& shell);
 
-  // The HTTP status of the fetch, or 0 when nothing was fetched or the file
-  // could not be written.
+  // The HTTP status of the fetch, or 0 when nothing was fetched, the file
+  // did not prove itself (see DownloadCheck.h) or could not be written. A
+  // file that does not prove itself is discarded with a line in the event
+  // log, and the old file stays.
   std::int16_t UpdateLocalFile(bool ShowDialog, std::string_view URL, std::string_view FileName,
                                std::string_view LastCheckedName, std::int32_t Interval, std::string_view Agent,
                                std::string_view LastModifiedKey, bool Forced, std::string_view Caption);
@@ -71,6 +78,14 @@ class mdlUpdate {
   std::int16_t LastUpdateCheckStatus = 0;
 
  private:
+  // Whether a downloaded file may replace the one in the program folder: its
+  // published hash and, for code, its signature (fetched through the form).
+  bool AcceptDownload(std::string_view URL, const std::string& name, std::string_view Agent,
+                      const std::string& content);
+  // Writes an accepted file in place; 200, or 0 when it could not be written.
+  std::int16_t InstallDownload(std::string_view URL, const std::string& name, const std::string& content,
+                               std::string_view LastModifiedKey, const std::string& lastModified);
+
   NetPorts ports_;
   frmHTTP& http_;
   Shell& shell_;

@@ -19,4 +19,9 @@ class Paths {
 // The platform's folders. TARNWICK_PROGRAM_DIR overrides the program folder.
 std::unique_ptr<Paths> MakePlatformPaths();
 
+// The folder of the running executable file (or, on Windows, of the module
+// this code is linked into): where updater.exe works, whatever the
+// environment says.
+std::filesystem::path RunningModuleFolder();
+
 }  // namespace tarnwick

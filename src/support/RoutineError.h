@@ -19,11 +19,16 @@ class RoutineError : public std::runtime_error {
 
 inline constexpr long kErrInvalidProcedureCall = 5;
 
-// "<description> (<number>)" of any error a routine traps; errors that are
-// not the program's own carry number 0.
-inline std::string DescribeError(const std::exception& error) {
+// The number of any error a routine traps; errors that are not the
+// program's own carry number 0.
+inline long ErrorNumber(const std::exception& error) {
   const auto* own = dynamic_cast<const RoutineError*>(&error);
-  return std::string(error.what()) + " (" + std::to_string(own != nullptr ? own->number() : 0) + ")";
+  return own != nullptr ? own->number() : 0;
+}
+
+// "<description> (<number>)" of any error a routine traps.
+inline std::string DescribeError(const std::exception& error) {
+  return std::string(error.what()) + " (" + std::to_string(ErrorNumber(error)) + ")";
 }
 
 }  // namespace tarnwick

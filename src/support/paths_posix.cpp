@@ -18,10 +18,7 @@ class PosixPaths final : public Paths {
  public:
   std::filesystem::path ProgramFolder() override {
     if (auto overridden = FromEnvironment("TARNWICK_PROGRAM_DIR"); !overridden.empty()) return overridden;
-    std::error_code error;
-    const auto executable = std::filesystem::read_symlink("/proc/self/exe", error);
-    if (error) return std::filesystem::current_path(error);
-    return (executable.parent_path() / product::kProgramDirRelative).lexically_normal();
+    return (RunningModuleFolder() / product::kProgramDirRelative).lexically_normal();
   }
 
   std::filesystem::path LocalAppDataFolder() override {
@@ -33,5 +30,12 @@ class PosixPaths final : public Paths {
 }  // namespace
 
 std::unique_ptr<Paths> MakePlatformPaths() { return std::make_unique<PosixPaths>(); }
+
+std::filesystem::path RunningModuleFolder() {
+  std::error_code error;
+  const auto executable = std::filesystem::read_symlink("/proc/self/exe", error);
+  if (error) return std::filesystem::current_path(error);
+  return executable.parent_path();
+}
 
 }  // namespace tarnwick

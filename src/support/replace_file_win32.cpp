@@ -1,4 +1,6 @@
 #include <windows.h>
+// windows.h names its own ReplaceFileA/W "ReplaceFile"; ours is meant here.
+#undef ReplaceFile
 
 #include <algorithm>
 

@@ -9,11 +9,15 @@ namespace {
 
 class PosixShell final : public Shell {
  public:
-  bool StartProgram(const std::filesystem::path& program) override {
-    const std::string path = program.string();
-    char* argv[] = {const_cast<char*>(path.c_str()), nullptr};
+  using Shell::StartProgram;
+  bool StartProgram(const std::filesystem::path& program, const std::vector<std::string>& arguments) override {
+    std::string path = program.string();
+    std::vector<std::string> args = arguments;
+    std::vector<char*> argv{path.data()};
+    for (auto& argument : args) argv.push_back(argument.data());
+    argv.push_back(nullptr);
     pid_t pid = 0;
-    return posix_spawn(&pid, path.c_str(), nullptr, nullptr, argv, environ) == 0;
+    return posix_spawn(&pid, path.c_str(), nullptr, nullptr, argv.data(), environ) == 0;
   }
 };
 

@@ -65,7 +65,7 @@ TEST_F(BrowseCommandTest, ARedirectToAListedPageEndsOnTheBlockPageAndScriptPopup
 }
 
 TEST_F(BrowseCommandTest, TheReportFormIsFilledWithWhatWasSentLastTime) {
-  const std::string report = "navigate " + server_ + "/report_url?url=http://x.example/\ncomplete\n";
+  const std::string report = "navigate " + server_->Base() + "/report_url?url=http://x.example/\ncomplete\n";
   auto [first, status] = Browse(report + "submit Bob bob@example.org\n");
   EXPECT_EQ(status, 0);
   ASSERT_EQ(first.size(), 5u);

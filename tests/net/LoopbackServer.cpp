@@ -131,7 +131,12 @@ void LoopbackServer::Serve(int connection) {
       pollfd wake{wake_[0], POLLIN, 0};
       ::poll(&wake, 1, reply.delayMs);
     }
-    SendAll(connection, reply.bytes);
+    if (reply.trickleBytes == 0) SendAll(connection, reply.bytes);
+    for (std::size_t sent = 0; reply.trickleBytes > 0 && sent < reply.bytes.size(); sent += reply.trickleBytes) {
+      pollfd wake{wake_[0], POLLIN, 0};
+      if (::poll(&wake, 1, reply.trickleMs) != 0) break;
+      SendAll(connection, reply.bytes.substr(sent, reply.trickleBytes));
+    }
     if (reply.stall) {
       pollfd wake{wake_[0], POLLIN, 0};
       ::poll(&wake, 1, -1);

@@ -26,6 +26,9 @@ struct Reply {
   int delayMs = 0;     // before anything is sent
   bool stall = false;  // send `bytes`, then hold the connection open
   bool drop = false;   // close at once without a byte
+  // Send `bytes` in pieces of this many, each after a pause of trickleMs.
+  std::size_t trickleBytes = 0;
+  int trickleMs = 0;
   // A plain HTTP/1.1 answer with Content-Length and Connection: close.
   static Reply Http(int status, const std::string& reason, const std::string& body,
                     const std::vector<std::string>& headers = {});

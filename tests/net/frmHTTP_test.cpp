@@ -1,17 +1,61 @@
 #include <chrono>
 
 #include "NetFixture.h"
+#include "net/HttpAnswer.h"
+#include "support/RoutineError.h"
 
 namespace tarnwick::testing {
 namespace {
 
 using FrmHttpTest = NetFixture;
 
+// A retrieval component older than RetrieveAsyncReceived: every other member
+// goes to the real one.
+class WithoutProgress final : public ComponentObject {
+ public:
+  explicit WithoutProgress(std::shared_ptr<ComponentObject> inner) : inner_(std::move(inner)) {}
+  long Invoke(std::string_view member, std::span<Variant> args, Variant& result, std::string& error) override {
+    if (member == "RetrieveAsyncReceived") {
+      error = "Object doesn't support this property or method";
+      return kErrMemberNotFound;
+    }
+    return inner_->Invoke(member, args, result, error);
+  }
+
+ private:
+  std::shared_ptr<ComponentObject> inner_;
+};
+
+// A dialog whose animation cannot be drawn.
+class BrokenDialog final : public DownloadDialog {
+ public:
+  explicit BrokenDialog(long number) : number_(number) {}
+  void Show(std::string_view) override {}
+  void Hide() override {}
+  bool Visible() const override { return false; }
+  void DrawFrame(int) override { throw RoutineError(number_, "Out of memory"); }
+
+ private:
+  long number_;
+};
+
+// An answer sent in ten pieces a quarter of a second apart.
+Reply Trickled(const std::string& body) {
+  Reply reply = Reply::Http(200, "OK", body);
+  reply.trickleBytes = reply.bytes.size() / 10 + 1;
+  reply.trickleMs = 250;
+  return reply;
+}
+
 TEST_F(FrmHttpTest, APageArrivesWithItsHeadersAndTheAgent) {
   LoopbackServer server([](const Request&) {
-    return Reply::Http(200, "OK", std::string("body\0bytes\x80", 11),
-                       {"Last-Modified: Sun, 22 Nov 2026 10:00:00 GMT", "X-Twice: first", "X-Twice: second",
-                        "x-lower: hidden", "X-Tight:packed"});
+    Reply reply = Reply::Http(200, "OK", std::string("body\0bytes\x80", 11),
+                              {"Last-Modified: Sun, 22 Nov 2026 10:00:00 GMT", "X-Twice: first", "X-Twice: second",
+                               "x-lower: hidden", "X-Tight:packed"});
+    // Long enough that the form sees the transfer under way, however busy
+    // the machine.
+    reply.delayMs = 300;
+    return reply;
   });
   Get(server.Base() + "/updates/xss.dat", "If-Modified-Since: Thu, 1 Jan 1970 00:00:00 GMT\r\n");
   EXPECT_EQ(http.HTTPStatus, 200);
@@ -142,6 +186,49 @@ TEST_F(FrmHttpTest, StalledServersAndUnansweredHandshakesEndWithinOneSecondOfThe
   }
 }
 
+TEST_F(FrmHttpTest, ATransferThatKeepsReceivingOutlastsTheTimeOut) {
+  options.ServerTimeout = 1;
+  const std::string body(4000, 'b');
+  LoopbackServer server([&body](const Request&) { return Trickled(body); });
+  const auto start = std::chrono::steady_clock::now();
+  Get(server.Base() + "/component");
+  EXPECT_EQ(http.HTTPStatus, 200);
+  EXPECT_EQ(http.ResponseText, body);
+  // The trickle itself took longer than the time-out allows a silent server.
+  EXPECT_GT(std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count(), 2.0);
+
+  // A component that cannot tell its progress is timed from the request.
+  http.pageFetch = std::make_shared<WithoutProgress>(http.pageFetch);
+  Get(server.Base() + "/component");
+  EXPECT_EQ(http.HTTPStatus, 504);
+  EXPECT_EQ(http.ResponseText, "Timeout");
+}
+
+TEST_F(FrmHttpTest, SilenceAfterTheFirstBytesTimesOut) {
+  options.ServerTimeout = 1;
+  LoopbackServer server([](const Request&) {
+    Reply reply;
+    reply.bytes = "HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\nonly part";
+    reply.stall = true;
+    return reply;
+  });
+  Get(server.Base() + "/stalls");
+  EXPECT_EQ(http.HTTPStatus, 504);
+  EXPECT_EQ(http.ResponseText, "Timeout");
+  EXPECT_TRUE(Logged("(frmHTTP) Cancelling download of " + server.Base() + "/stalls after 2 seconds (exceeded 1)"));
+}
+
+TEST_F(FrmHttpTest, CancelEndsATransferThatKeepsReceiving) {
+  LoopbackServer server([](const Request&) { return Trickled(std::string(4000, 'b')); });
+  int polls = 0;
+  ui.onDoEvents = [&] {
+    if (++polls == 3 && dialog.Visible()) dialog.onCancel();
+  };
+  http.Start_Download(true, "GET", server.Base() + "/component", "agent", "", "", "");
+  EXPECT_EQ(http.HTTPStatus, 504);
+  EXPECT_EQ(http.ResponseText, "Timeout");
+}
+
 TEST_F(FrmHttpTest, CancelEndsTheWaitThroughTheTimeOut) {
   LoopbackServer server([](const Request&) {
     Reply reply;
@@ -171,6 +258,52 @@ TEST_F(FrmHttpTest, TheDialogShowsTheCaptionAndAnimatesWhileWaiting) {
   EXPECT_EQ(dialog.messages, std::vector<std::string>{"Checking the site"});
   EXPECT_FALSE(dialog.Visible());
   EXPECT_GE(dialog.frames.size(), 2u);  // frame 0 at load, then at least one tick
+}
+
+TEST_F(FrmHttpTest, LoadErrorsAreLoggedShownWithDebugAndTheComponentStillLoads) {
+  for (const long number : {7L, 70L}) {
+    BrokenDialog broken(number);
+    frmHTTP form{ports, broken};
+    ui.shown.clear();
+    form.Form_Load();
+    EXPECT_TRUE(form.ComponentReady) << number;
+    EXPECT_TRUE(
+        Logged("(debug) An error occurred while loading frmHTTP: Out of memory (" + std::to_string(number) + ")"));
+    // Permission denied (70) is never shown.
+    ASSERT_EQ(ui.shown.size(), number == 70 ? 0u : 1u) << number;
+    if (number != 70) {
+      EXPECT_EQ(ui.shown[0].title, "Tarnwick Toolbar Debugging");
+    }
+  }
+}
+
+TEST_F(FrmHttpTest, StartDownloadErrorsAreLoggedAndShownWithDebug) {
+  http.pageFetch.reset();
+  Get("http://127.0.0.1:9/x");
+  const std::string text =
+      "Failed to update from URL (http://127.0.0.1:9/x): Object variable or With block variable not set (91)";
+  EXPECT_TRUE(Logged(text));
+  ASSERT_EQ(ui.shown.size(), 1u);
+  EXPECT_EQ(ui.shown[0].text, text);
+  EXPECT_EQ(ui.shown[0].title, "Tarnwick Toolbar Debugging");
+}
+
+TEST(HttpAnswer, AnErrorAnswerIsANumberABlankAndText) {
+  const ErrorAnswer answer = ReadErrorAnswer("404 Not Found");
+  EXPECT_EQ(answer.status, 404);
+  EXPECT_EQ(answer.text, "Not Found");
+  EXPECT_EQ(ReadErrorAnswer("1007 Couldn't connect: a b").text, "Couldn't connect: a b");
+  const std::pair<const char*, long> malformed[] = {{"Forbidden", 5}, {"70000 big", 6}, {"abc def", 13}, {" x", 13}};
+  for (const auto& [text, number] : malformed) {
+    try {
+      ReadErrorAnswer(text);
+      ADD_FAILURE() << text;
+    } catch (const RoutineError& error) {
+      EXPECT_EQ(error.number(), number) << text;
+    }
+  }
+  EXPECT_EQ(HeaderValue("HTTP/1.1 200 OK\r\nA: 1\r\nA:2", "A"), "1");
+  EXPECT_EQ(HeaderValue("A: status line only", "A"), "");
 }
 
 TEST_F(FrmHttpTest, WithoutTheComponentFileTransfersStayDisabled) {
