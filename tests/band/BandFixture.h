@@ -32,7 +32,8 @@ class BandFixture : public ComponentTest {
     RemoveClassRegistration(*process.settings, kPageFetchProgId, kPageFetchClassId);
     Install(kBuiltRex);
     Install(kBuiltPageFetch);
-    for (const char* file : {"localblock.dat", "xss.dat"}) {
+    for (const char* file : {"localblock.dat", "xss.dat", "server/update-signing.key"}) {
+      std::filesystem::create_directories((server.data / file).parent_path());
       std::filesystem::copy_file(kSourceData / file, server.data / file);
     }
     server::testing::ImportLines(server.database, {"phish.example", "http://shop.example/cart/login.php"});
