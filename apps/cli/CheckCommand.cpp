@@ -5,11 +5,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "Cli.h"
-#include "band/ComponentFactory.h"
-#include "band/Components.h"
-#include "band/StartUp.h"
-#include "check/CheckURL.h"
+#include "BandHost.h"
 #include "support/TerminalText.h"
 #include "support/Text.h"
 
@@ -19,27 +15,27 @@ namespace {
 constexpr const char* kUsage =
     "usage: tarnwick check [--server URL] [--json] [--answer yes|no] [--ctrl] [--post-data FILE] [URL...]\n";
 
-void PrintOutcome(const std::string& url, const CheckURL& checker, std::int16_t rank, bool json) {
-  const CheckOutcome& outcome = checker.LastOutcome();
+void PrintRecord(const NavigationRecord& record, bool json) {
+  const CheckOutcome& outcome = record.outcome;
   const char* step = CheckStepName(outcome.step);
   if (json) {
     using Json = nlohmann::ordered_json;
     const Json line = {
-        {"url", AnsiToUtf8(url)},
+        {"url", AnsiToUtf8(record.url)},
         {"checked", outcome.checked},
-        {"blocked", outcome.blocked},
+        {"blocked", record.cancel},
         {"step", step != nullptr ? Json(step) : Json(nullptr)},
-        {"risk_rank", rank},
-        {"last_response", AnsiToUtf8(checker.GetLastResponse())},
+        {"risk_rank", record.riskRank},
+        {"last_response", AnsiToUtf8(record.lastResponse)},
         {"message", outcome.message.empty() ? Json(nullptr) : Json(AnsiToUtf8(outcome.message))},
     };
     std::cout << line.dump() << '\n';
     return;
   }
   // The URL and above all the server's text may hold anything: escaped.
-  std::cout << TerminalText(url) << "\n  " << (outcome.blocked ? "blocked" : "allowed") << ", "
+  std::cout << TerminalText(record.url) << "\n  " << (record.cancel ? "blocked" : "allowed") << ", "
             << (outcome.checked ? "checked" : "not checked") << ", step: " << (step != nullptr ? step : "none")
-            << ", risk rank: " << rank << "\n  response: " << TerminalText(checker.GetLastResponse()) << '\n';
+            << ", risk rank: " << record.riskRank << "\n  response: " << TerminalText(record.lastResponse) << '\n';
 }
 
 }  // namespace
@@ -70,31 +66,16 @@ int RunCheck(std::vector<std::string> args) {
     postData.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
   }
 
-  Host host(server, answer == "yes" ? vbYes : vbNo);
-  host.ui().ctrlHeld = ctrl;
-  if (!host.StartTransfers()) return kExitError;
-  ToolbarProcess& process = host.process();
-  RequestFileHashes(process);
-
-  std::shared_ptr<ComponentObject> rex =
-      NewObject(process, process.paths.ProgramFolder() / kRexComponent.file, kRexComponent.progId);
-  const auto resolver = MakePlatformResolver();
-  const auto canonicalizer = MakePlatformCanonicalizer();
-  CheckURL checker({process.log, process.ui, *resolver, *canonicalizer, process.http, process.XSS, process.options,
-                    process.endpoints, process.CurrentRiskRank, nullptr},
-                   rex);
-  if (checker.Failed()) {
-    std::cerr << "tarnwick: the regular-expression component could not be created (see the log)\n";
-    return kExitError;
-  }
-  LoadBlockLists(process, checker);
+  BandHost host(server, answer == "yes" ? vbYes : vbNo);
+  host.host.ui().ctrlHeld = ctrl;
+  if (!host.Start()) return kExitError;
 
   bool anyBlocked = false;
   const auto judge = [&](const std::string& url) {
     bool cancel = false;
-    checker.Check(Utf8ToAnsi(url), postData, cancel);
+    const NavigationRecord record = host.band.guard().Judge(Utf8ToAnsi(url), postData, cancel);
     anyBlocked = anyBlocked || cancel;
-    PrintOutcome(Utf8ToAnsi(url), checker, process.CurrentRiskRank, json);
+    PrintRecord(record, json);
   };
   if (args.empty()) {
     std::string line;

@@ -56,6 +56,7 @@ int RunOptions(const std::vector<std::string>& args);
 int RunFetch(std::vector<std::string> args);
 int RunUpdate(std::vector<std::string> args);
 int RunCheck(std::vector<std::string> args);
+int RunBrowse(std::vector<std::string> args);
 int RunRex(const std::vector<std::string>& args);
 int RunMatch(std::vector<std::string> args);
 int RunBlockPage(const std::vector<std::string>& args);

@@ -15,6 +15,10 @@ constexpr const char* kHelp =
     "  check [--server URL] [--json] [--answer yes|no] [--ctrl] [--post-data FILE] [URL...]\n"
     "                              judge each URL (or each line of standard input) as a navigation;\n"
     "                              exit status 0 nothing blocked, 1 something blocked, 2 an error\n"
+    "  browse [--server URL] [--json] [--answer yes|no]\n"
+    "                              play a browser window from events on standard input (navigate,\n"
+    "                              redirect, complete, popup, ctrl, submit, close; see browse --help)\n"
+    "                              and print what the band did with each\n"
     "  options                     print the loaded options, one 'Name = value' per line\n"
     "  options set NAME VALUE      store a setting as text (also the zone lists TrustedSites,\n"
     "                              IntranetSites, RestrictedSites: host names separated by ; or blanks)\n"
@@ -80,6 +84,7 @@ int main(int argc, char** argv) {
     if (args[0] == "fetch") return RunFetch(rest);
     if (args[0] == "update") return RunUpdate(rest);
     if (args[0] == "check") return RunCheck(rest);
+    if (args[0] == "browse") return RunBrowse(rest);
     if (args[0] == "rex") return RunRex(rest);
     if (args[0] == "match") return RunMatch(rest);
     if (args[0] == "blockpage") return RunBlockPage(rest);

@@ -10,7 +10,8 @@ namespace tarnwick {
 
 // Reports the broken component `name` ("PageFetch", "CheckURL") in a message
 // box; the Tarnwick Toolbar itself (not a product built under another file
-// description) then sends `browser` to the web site's install page.
-void ComponentFailed(ToolbarProcess& process, Browser& browser, std::string_view name);
+// description) then sends `browser` (when there is one) to the web site's
+// install page.
+void ComponentFailed(ToolbarProcess& process, Browser* browser, std::string_view name);
 
 }  // namespace tarnwick

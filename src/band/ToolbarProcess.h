@@ -8,6 +8,8 @@
 #include <memory>
 #include <string>
 
+#include "check/Canonicalizer.h"
+#include "check/Resolver.h"
 #include "check/mdlXSS.h"
 #include "net/frmHTTP.h"
 #include "net/mdlUpdate.h"
@@ -72,6 +74,15 @@ class ToolbarProcess {
   std::int16_t CurrentRiskRank = -1;
   // The product and client menus with their bitmaps.
   MenuState menus;
+  // Set once the options are loaded, and again when a toolbar is built.
+  bool initialised = false;
+  // Bands started and not yet closed; the first runs the process-wide
+  // start-up, the last to close lets the retrieval component go.
+  int openBands = 0;
+  // Name resolution and URL canonicalisation as the platform does them;
+  // tests put their own in.
+  std::unique_ptr<Resolver> resolver = MakePlatformResolver();
+  std::unique_ptr<Canonicalizer> canonicalizer = MakePlatformCanonicalizer();
 };
 
 }  // namespace tarnwick

@@ -196,6 +196,7 @@ void CheckURL::Decide(const std::string& URL, bool reportHint, bool& Cancel) {
   message += "\r\n\r\nAre you sure you want to visit the page?";
   const int answer = ports_.ui.MessageBox(message, "Page Blocked", vbYesNo | vbCritical | vbDefaultButton2);
   Cancel = answer == vbNo;
+  outcome_.answer = answer;
   outcome_.blocked = Cancel;
 }
 

@@ -55,6 +55,7 @@ struct CheckOutcome {
   bool checked = false;  // the URL went past the scheme and zone tests
   CheckStep step = CheckStep::None;
   std::string message;   // the dialog's text; empty when none was due
+  int answer = 0;        // the person's answer to it (vbYes, vbNo); 0 when none was shown
   bool blocked = false;  // the navigation was cancelled
 };
 

@@ -11,7 +11,7 @@ namespace {
 TEST(ComponentFailedTest, TheToolbarApologisesAndSendsTheBrowserToTheInstallPage) {
   TestProcess t;
   RecordingBrowser browser;
-  ComponentFailed(t.process, browser, "PageFetch");
+  ComponentFailed(t.process, &browser, "PageFetch");
 
   ASSERT_EQ(t.ui.shown.size(), 2u);
   EXPECT_EQ(t.ui.shown[0].text, "Your Tarnwick Toolbar has become corrupted (PageFetch component).");
@@ -28,7 +28,7 @@ TEST(ComponentFailedTest, AnotherProductOnlySaysSo) {
   TestProcess t;
   t.process.FileDescription = "Example Shield";
   RecordingBrowser browser;
-  ComponentFailed(t.process, browser, "CheckURL");
+  ComponentFailed(t.process, &browser, "CheckURL");
 
   ASSERT_EQ(t.ui.shown.size(), 1u);
   EXPECT_EQ(t.ui.shown[0].text, "Your Example Shield has become corrupted (CheckURL component).");

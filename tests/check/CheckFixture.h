@@ -1,7 +1,6 @@
 // The check engine over the real regular-expression component (loaded from
 // its library file), the retrieval engine, and a loopback server playing the
-// toolbar server. Host names resolve from a table: tests never ask a DNS
-// server beyond this machine.
+// toolbar server. Host names resolve from a table.
 #pragma once
 
 #include <fstream>
@@ -10,38 +9,11 @@
 #include "LoopbackServer.h"
 #include "PageFetchObject.h"
 #include "check/CheckURL.h"
+#include "common/TableResolver.h"
 #include "components/ComponentTest.h"
 #include "support/Files.h"
 
 namespace tarnwick::testing {
-
-class TableResolver final : public Resolver {
- public:
-  bool Startup() override { return true; }
-  bool Cleanup() override { return true; }
-  bool ConnectionUsesProxy() override { return false; }
-  std::optional<IPv4Bytes> ResolveName(const std::string& host) override {
-    const auto it = names.find(host);
-    return it == names.end() ? std::nullopt : std::optional<IPv4Bytes>(it->second);
-  }
-  std::map<std::string, IPv4Bytes> names;
-};
-
-// The standard Base64 of `text`, as the server encodes its patterns.
-inline std::string Base64(const std::string& text) {
-  static constexpr char kAlphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-  std::string out;
-  for (std::size_t i = 0; i < text.size(); i += 3) {
-    std::uint32_t group = static_cast<unsigned char>(text[i]) << 16;
-    if (i + 1 < text.size()) group |= static_cast<unsigned char>(text[i + 1]) << 8;
-    if (i + 2 < text.size()) group |= static_cast<unsigned char>(text[i + 2]);
-    out += kAlphabet[group >> 18 & 63];
-    out += kAlphabet[group >> 12 & 63];
-    out += i + 1 < text.size() ? kAlphabet[group >> 6 & 63] : '=';
-    out += i + 2 < text.size() ? kAlphabet[group & 63] : '=';
-  }
-  return out;
-}
 
 // What the toolbar server answers to /check_url.
 struct Verdict {

@@ -2,6 +2,7 @@
 // pattern lists are empty, oversized or runaway, and block lists that would
 // freeze the browser for seconds.
 #include "CheckFixture.h"
+#include "support/Base64.h"
 
 namespace tarnwick::testing {
 namespace {
@@ -25,8 +26,8 @@ std::string Joined(const std::vector<std::string>& patterns, const std::string& 
 const std::string kRunawayUrl = "http://203.0.113.7/?q=" + std::string(30, 'x');
 
 TEST_F(PatternListsTest, AServerListThatDecodesToNothingOrHasEmptyEntriesBlocksNothing) {
-  for (const std::string& header :
-       {std::string("!!!"), std::string("===="), Base64("\t\t"), Base64("^never$\t"), Base64("\t^never$")}) {
+  for (const std::string& header : {std::string("!!!"), std::string("===="), EncodeBase64("\t\t"),
+                                    EncodeBase64("^never$\t"), EncodeBase64("\t^never$")}) {
     verdict.patterns = header;
     EXPECT_FALSE(Navigate("http://203.0.113.7/page")) << header;
     EXPECT_EQ(checker.GetLastResponse(), "Site information") << header;
@@ -51,7 +52,7 @@ TEST_F(PatternListsTest, RunawayLocalPatternsSpendTheTimeLimitAndBlockNothing) {
 
 TEST_F(PatternListsTest, RunawayServerPatternsShareTheChecksTimeAndAreReportedOnce) {
   process.options.PatternTimeLimit = 50;
-  verdict.patterns = Base64(Joined(Runaway(999), "\t"));
+  verdict.patterns = EncodeBase64(Joined(Runaway(999), "\t"));
   EXPECT_FALSE(Navigate(kRunawayUrl));
   EXPECT_EQ(checker.GetLastResponse(), "Site information");
   const std::string log = ReadFile(process.log, process.log.LogFilePath());
@@ -66,17 +67,17 @@ TEST_F(PatternListsTest, RunawayServerPatternsShareTheChecksTimeAndAreReportedOn
 TEST_F(PatternListsTest, TheServersListIsCutToAThousandPatternsAnd64KiB) {
   std::vector<std::string> patterns(1500, "never");
   patterns[1200] = "203";
-  verdict.patterns = Base64(Joined(patterns, "\t"));
+  verdict.patterns = EncodeBase64(Joined(patterns, "\t"));
   EXPECT_FALSE(Navigate("http://203.0.113.7/page"));
   EXPECT_TRUE(Logged("(URL_Blocked_Remotely) Using the first 1000 of 1500 patterns"));
 
-  verdict.patterns = Base64(std::string(70000, 'n') + "\t203");
+  verdict.patterns = EncodeBase64(std::string(70000, 'n') + "\t203");
   EXPECT_FALSE(Navigate("http://203.0.113.7/page"));
   EXPECT_TRUE(Logged("(URL_Blocked_Remotely) Using the first 0 of 2 patterns"));
 
   patterns.resize(1000);
   patterns[999] = "203";
-  verdict.patterns = Base64(Joined(patterns, "\t"));
+  verdict.patterns = EncodeBase64(Joined(patterns, "\t"));
   EXPECT_TRUE(Navigate("http://203.0.113.7/page"));
   EXPECT_TRUE(Logged("(URL_Blocked_Remotely) Trying pattern 999: 203"));
 }
