@@ -3,6 +3,8 @@
 #include <iostream>
 
 #include "band/NavigationGuard.h"
+#include "ui/frmAbout.h"
+#include "ui/frmOptions.h"
 
 namespace tarnwick::cli {
 namespace {
@@ -38,6 +40,30 @@ bool ScriptedDocument::FocusField(std::string_view form, std::string_view field)
 }
 
 void ScriptedDocument::WatchSubmit(std::string_view form) { submitWatched = HasForm(form); }
+
+int TextBandWindows::Popup(WindowHandle, const cPopupMenu& menu) {
+  popped = &menu;
+  return choice;
+}
+
+void TextBandWindows::OpenAbout(frmAbout& form) {
+  for (const std::string* text :
+       {&form.Caption, &form.lblTitle, &form.lblVersion, &form.lblDescription, &form.lblDisclaimer}) {
+    shown.push_back(*text);
+  }
+}
+
+void TextBandWindows::OpenOptions(frmOptions& form) {
+  shown.push_back(form.Caption);
+  for (const ControlView& control : form.Controls()) {
+    if (control.kind == ControlKind::Slider) {
+      shown.push_back(control.caption + ": " + control.valueLabel + control.unitLabel);
+    } else if (control.kind == ControlKind::CheckBox) {
+      shown.push_back(std::string(control.value != 0 ? "[x] " : "[ ] ") + control.caption);
+    }
+  }
+  form.Press("cbCancel");
+}
 
 BandHost::BandHost(const std::string& serverFlag, int unattendedAnswer) : host(serverFlag, unattendedAnswer) {}
 

@@ -8,6 +8,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "Cli.h"
 #include "band/BandSite.h"
@@ -66,7 +67,8 @@ class ScriptedBrowser final : public Browser, public BandSite {
   int height = 600;
 };
 
-// Window handles handed out in order; only the strip's content is kept.
+// Window handles handed out in order; a menu's choice comes from the script,
+// and what the menus and dialogs showed is kept for the report.
 class TextBandWindows final : public BandWindows {
  public:
   WindowHandle CreateMessageWindow() override { return ++last_; }
@@ -85,6 +87,16 @@ class TextBandWindows final : public BandWindows {
   void Show(WindowHandle, bool) override {}
   void AutoSize(WindowHandle) override {}
   void ShowSiteInformation(WindowHandle, const SiteInformation&) override {}
+  int Popup(WindowHandle, const cPopupMenu& menu) override;
+  void RedrawButton(WindowHandle, bool) override {}
+  void OpenAbout(frmAbout& form) override;
+  // A script cannot fill in the form: it is shown and closed unchanged.
+  void OpenOptions(frmOptions& form) override;
+  void Uninstall(std::string_view commandLine) override { shown.push_back("uninstall: " + std::string(commandLine)); }
+
+  int choice = 0;  // the item the next menu's person chooses
+  const cPopupMenu* popped = nullptr;
+  std::vector<std::string> shown;  // what the dialogs showed, a line each
 
  private:
   WindowHandle last_ = 0;

@@ -1,5 +1,6 @@
 // tarnwick browse: a browser window played from standard input, one event a
 // line, over the band; per event it prints what the band did.
+#include <charconv>
 #include <fstream>
 #include <iostream>
 #include <iterator>
@@ -10,6 +11,7 @@
 #include "BandHost.h"
 #include "band/NavigationGuard.h"
 #include "support/Text.h"
+#include "ui/MenuJson.h"
 
 namespace tarnwick::cli {
 namespace {
@@ -27,6 +29,8 @@ constexpr const char* kUsage =
     "                                  element focused, or by script alone\n"
     "  ctrl down|up                    the Ctrl key is pressed or let go\n"
     "  submit NAME EMAIL               the report form is sent with these values\n"
+    "  menu product|client [NUMBER]    a menu button is pressed and item NUMBER chosen\n"
+    "                                  (none: the menu is closed)\n"
     "  close                           the window closes (also at the end of the input)\n";
 
 ordered_json Text(std::string_view ansi) { return AnsiToUtf8(ansi); }
@@ -64,6 +68,18 @@ ordered_json NavigationJson(const char* event, const NavigationRecord& record) {
           {"cancel", record.cancel},
           {"block_page", record.blockPage},
           {"risk_rank", record.riskRank}};
+}
+
+void PrintMenu(const ordered_json& entries, const std::string& indent) {
+  for (const auto& entry : entries) {
+    std::cout << indent << entry["number"].get<int>() << ' ' << entry["caption"].get<std::string>();
+    if (entry.contains("items")) {
+      std::cout << " >\n";
+      PrintMenu(entry["items"], indent + "  ");
+    } else {
+      std::cout << "  " << entry["link"].get<std::string>() << '\n';
+    }
+  }
 }
 
 // One line of text per fact, for a person reading along.
@@ -109,6 +125,16 @@ void PrintText(const ordered_json& report) {
     const auto& form = report["report_form"];
     std::cout << "  report form filled in: name \"" << form["name"].get<std::string>() << "\", e-mail \""
               << form["email"].get<std::string>() << "\", focus on " << form["focused"].get<std::string>() << '\n';
+  }
+  if (report.contains("menu")) {
+    if (report["menu"].is_null()) {
+      std::cout << "  no menu\n";
+    } else {
+      PrintMenu(report["menu"], "  ");
+      std::cout << "  chosen: " << report["chosen"].get<int>()
+                << (text("link") ? " " + report["link"].get<std::string>() : std::string()) << '\n';
+    }
+    for (const auto& line : report["dialog"]) std::cout << "  | " << line.get<std::string>() << '\n';
   }
   if (report.contains("teardown")) {
     for (const auto& line : report["teardown"]) std::cout << "  " << line.get<std::string>() << '\n';
@@ -162,6 +188,10 @@ class Browse {
       return true;
     }
     if (event == "submit" && words.size() == 3) return Submit(words[1], words[2]);
+    if (event == "menu" && (words.size() == 2 || words.size() == 3) &&
+        (words[1] == "product" || words[1] == "client")) {
+      return Menu(words);
+    }
     if (event == "close" && words.size() == 1) {
       Close();
       return false;
@@ -212,8 +242,13 @@ class Browse {
   bool Complete() {
     if (host_.browser.pending.empty()) return Error("complete", "no navigation is under way");
     Arrive(std::exchange(host_.browser.pending, {}));
-    // The band may send the window elsewhere (the block page): the window
-    // goes there at once, as a browser would.
+    FollowRequests();
+    return true;
+  }
+
+  // The band may send the window elsewhere (the block page, a menu's link):
+  // the window goes there at once, as a browser would.
+  void FollowRequests() {
     while (!host_.browser.requested.empty()) {
       const NavigateRequest request = host_.browser.requested.front();
       host_.browser.requested.pop_front();
@@ -223,6 +258,33 @@ class Browse {
       Emit(NavigationJson("band navigates", record));
       if (!cancel) Arrive(request.url);
     }
+  }
+
+  bool Menu(const std::vector<std::string>& words) {
+    int choice = 0;
+    if (words.size() == 3) {
+      const auto [end, error] = std::from_chars(words[2].data(), words[2].data() + words[2].size(), choice);
+      if (error != std::errc() || end != words[2].data() + words[2].size() || choice < 0) {
+        return Error("menu", "the item is a number");
+      }
+    }
+    TextBandWindows& windows = host_.windows;
+    windows.choice = choice;
+    windows.popped = nullptr;
+    windows.shown.clear();
+    if (words[1] == "product") {
+      host_.band.ProductMenuClicked();
+    } else {
+      host_.band.ClientMenuClicked();
+    }
+    ordered_json report{{"event", "menu " + words[1]}, {"chosen", choice}};
+    report["menu"] = windows.popped != nullptr ? ordered_json(MenuJson(*windows.popped)) : ordered_json();
+    report["link"] = windows.popped != nullptr && choice != 0 ? Text(windows.popped->WebLink(choice)) : ordered_json();
+    ordered_json shown = ordered_json::array();
+    for (const auto& line : windows.shown) shown.push_back(Text(line));
+    report["dialog"] = shown;
+    Emit(report);
+    FollowRequests();
     return true;
   }
 

@@ -1,15 +1,19 @@
 // Band windows port: the windows of one band, made, subclassed and destroyed
-// in the order the core decides; the host draws them (Win32 controls in the
-// Internet Explorer band, the popup of the extension, nothing at all on a
-// terminal).
+// in the order the core decides, and the menus and dialogs the band opens;
+// the host draws them (Win32 controls in the Internet Explorer band, the
+// popup and pages of the extension, text on a terminal).
 #pragma once
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace tarnwick {
 
 struct SiteInformation;
+class cPopupMenu;
+class frmAbout;
+class frmOptions;
 
 // A window of the band; 0 when it does not exist.
 using WindowHandle = std::uint32_t;
@@ -32,10 +36,10 @@ class BandWindows {
   // TBSTYLE_EX_MIXEDBUTTONS added to its extended style.
   virtual WindowHandle CreateToolbarWindow(WindowHandle messageWindow) = 0;
   // The product menu's button at the toolbar's left, showing the product
-  // bitmap.
+  // bitmap (ProductButtonBitmap()).
   virtual WindowHandle CreateProductMenuWindow(WindowHandle toolbar) = 0;
-  // The client menu's button showing logo.bmp, `left` pixels from the
-  // toolbar's left edge.
+  // The client menu's button showing the client logo (the file the menus
+  // name), `left` pixels from the toolbar's left edge.
   virtual WindowHandle CreateClientMenuWindow(WindowHandle toolbar, int left) = 0;
   // Pixels left free in front of the toolbar's buttons (TB_SETINDENT).
   virtual void SetIndent(WindowHandle toolbar, int indent) = 0;
@@ -60,6 +64,19 @@ class BandWindows {
   virtual void AutoSize(WindowHandle toolbar) = 0;
   // Paints the strip with new information.
   virtual void ShowSiteInformation(WindowHandle textWindow, const SiteInformation& information) = 0;
+
+  // Drops `menu` down under its button and waits for the person: the number
+  // of the item chosen, 0 when none was.
+  virtual int Popup(WindowHandle button, const cPopupMenu& menu) = 0;
+  // Draws a menu button again, pressed or not.
+  virtual void RedrawButton(WindowHandle button, bool pressed) = 0;
+  // Shows a loaded dialog modally and feeds it the person's actions until it
+  // closes; the form does the rest.
+  virtual void OpenAbout(frmAbout& form) = 0;
+  virtual void OpenOptions(frmOptions& form) = 0;
+  // Removes the toolbar: the Windows band runs `commandLine` (the
+  // installer's maintenance), the extension removes itself.
+  virtual void Uninstall(std::string_view commandLine) = 0;
 };
 
 }  // namespace tarnwick

@@ -10,6 +10,10 @@
 #include "band/StartUp.h"
 #include "settings/ToolbarOptions.h"
 #include "support/RoutineError.h"
+#include "ui/frmAbout.h"
+#include "ui/frmOptions.h"
+#include "ui/mdlBitmapMenu.h"
+#include "ui/mdlClientBitmapMenu.h"
 
 namespace tarnwick {
 namespace {
@@ -162,15 +166,32 @@ void ToolBar::CreateToolbar() {
 
 std::int32_t ToolBar::AddBitmap() {
   try {
+    MenuPorts ports = process_.Menus();
+    InitialiseBitmapMenu(ports);
     productMenuWindow_ = windows_.CreateProductMenuWindow(toolbarWindow_);
-    if (productMenuWindow_ != 0) windows_.Subclass(productMenuWindow_);
+    if (productMenuWindow_ == 0) return 0;
+    windows_.Subclass(productMenuWindow_);
+    return process_.menus.productBitmap.width;
   } catch (const std::exception& error) {
     process_.log.DebugLog("AddBitmap_Error: " + DescribeError(error));
+    return 0;
   }
-  return 0;
 }
 
-std::int32_t ToolBar::AddClientBitmap() { return 0; }
+std::int32_t ToolBar::AddClientBitmap() {
+  try {
+    MenuPorts ports = process_.Menus();
+    InitialiseClientBitmapMenu(ports);
+    if (process_.menus.clientLogoFile.empty()) return 0;
+    clientMenuWindow_ = windows_.CreateClientMenuWindow(toolbarWindow_, process_.menus.productBitmap.width);
+    if (clientMenuWindow_ == 0) return 0;
+    windows_.Subclass(clientMenuWindow_);
+    return process_.menus.clientLogo.width;
+  } catch (const std::exception& error) {
+    process_.log.DebugLog("Error in AddClientBitmap: " + DescribeError(error));
+    return 0;
+  }
+}
 
 void ToolBar::AddToolbarIcons() {
   std::string error;
@@ -257,6 +278,49 @@ std::vector<std::string> ToolBar::DestroyToolbar() {
   done("(DestroyToolbar) Destroyed PageFetch object");
   return lines;
 }
+
+void ToolBar::ProductMenuClicked() {
+  CommandPorts ports = process_.Commands();
+  ShowProductMenu(*this, ports);
+}
+
+void ToolBar::ClientMenuClicked() {
+  const cPopupMenu* menu = process_.menus.clientMenu.get();
+  if (menu == nullptr) return;
+  CommandPorts ports = process_.Commands();
+  if (const int chosen = Popup(*menu); chosen != 0) OpenMenuLink(menu->WebLink(chosen), *this, ports);
+}
+
+std::string ToolBar::LocationURL() { return browser_ != nullptr ? browser_->LocationURL() : std::string(); }
+
+bool ToolBar::Navigate(std::string_view url, std::string_view targetFrame) {
+  if (browser_ == nullptr) return false;
+  browser_->Navigate(NavigateRequest(std::string(url), 0, std::string(targetFrame)));
+  return true;
+}
+
+int ToolBar::Popup(const cPopupMenu& menu) {
+  const bool client = &menu == process_.menus.clientMenu.get();
+  return windows_.Popup(client ? clientMenuWindow_ : productMenuWindow_, menu);
+}
+
+void ToolBar::RedrawProductButton() {
+  if (productMenuWindow_ != 0) windows_.RedrawButton(productMenuWindow_, process_.menus.productButtonPressed);
+}
+
+void ToolBar::OpenAbout() {
+  frmAbout form(*process_.settings, process_.ui, process_.shell);
+  form.Form_Load();
+  windows_.OpenAbout(form);
+}
+
+void ToolBar::OpenOptions() {
+  frmOptions form(process_.OptionsForm());
+  form.Form_Load();
+  windows_.OpenOptions(form);
+}
+
+void ToolBar::Uninstall(std::string_view commandLine) { windows_.Uninstall(commandLine); }
 
 void ToolBar::Search(std::string_view query) {
   guard_.NavigatePost(process_.endpoints.site + "/search/", FormField("q", query));

@@ -18,6 +18,7 @@
 #include "band/SiteInformation.h"
 #include "band/ToolbarProcess.h"
 #include "check/CheckURL.h"
+#include "ui/CommandHost.h"
 
 namespace tarnwick {
 
@@ -59,7 +60,10 @@ struct StartUpRecord {
   std::int16_t updateCheckStatus = 0;
 };
 
-class ToolBar {
+// The band is also the host of the toolbar commands its menus run: their
+// browser is the band's, their menus drop from its buttons, their dialogs
+// open through its windows.
+class ToolBar : private CommandHost {
  public:
   static constexpr std::int32_t kBandHeight = 22;
 
@@ -89,6 +93,10 @@ class ToolBar {
   ToolbarProcess& process() { return process_; }
   Browser* browser() const { return browser_; }
   CheckURL* checker() const { return checker_.get(); }
+  // A menu button was pressed: its menu drops down and the item chosen is
+  // opened or, for a toolbar command, run.
+  void ProductMenuClicked();
+  void ClientMenuClicked();
   // The search box's query, posted as the form field q to the web site's
   // /search/ page in the top frame.
   void Search(std::string_view query);
@@ -108,6 +116,14 @@ class ToolBar {
   void CreateTextWindow();
   void CreateSearchBox();
   void ComponentFailed(std::string_view name);
+
+  std::string LocationURL() override;
+  bool Navigate(std::string_view url, std::string_view targetFrame) override;
+  int Popup(const cPopupMenu& menu) override;
+  void RedrawProductButton() override;
+  void OpenAbout() override;
+  void OpenOptions() override;
+  void Uninstall(std::string_view commandLine) override;
 
   ToolbarProcess& process_;
   BandWindows& windows_;

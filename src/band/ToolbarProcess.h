@@ -24,6 +24,7 @@
 #include "ui/MenuState.h"
 #include "ui/ToolbarCommands.h"
 #include "ui/Ui.h"
+#include "ui/frmOptions.h"
 
 namespace tarnwick {
 
@@ -49,6 +50,9 @@ class ToolbarProcess {
   NetPorts Net() { return {log, clock, ui, paths, *settings, options, endpoints}; }
   MenuPorts Menus() { return {log, paths, endpoints, updates, AgentString, menus}; }
   CommandPorts Commands() { return {log, ui, updates, endpoints, AgentString, FileDescription, menus}; }
+  OptionsPorts OptionsForm() {
+    return {*settings, options, DefaultTextWindowWidth, [this] { LoadOptions(); }};
+  }
 
   Paths& paths;
   Clock& clock;

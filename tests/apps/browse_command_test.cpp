@@ -99,6 +99,19 @@ TEST_F(BrowseCommandTest, BadEventsAreReportedAndTheWindowGoesOn) {
   EXPECT_EQ(reports[7]["event"], "close");  // the end of the input closes the window
 }
 
+TEST_F(BrowseCommandTest, MenusDropDownAndTheirItemsRun) {
+  const auto [reports, status] = Browse("menu product\nmenu product 10\nmenu client 1\nmenu sideways\n");
+  EXPECT_EQ(status, 2);
+  ASSERT_GE(reports.size(), 6u);
+  EXPECT_EQ(reports[1]["chosen"], 0);
+  EXPECT_EQ(reports[1]["menu"].back()["link"], "tarnwicktoolbar:uninstall");
+  EXPECT_EQ(reports[2]["link"], "tarnwicktoolbar:about");
+  EXPECT_THAT(reports[2]["dialog"], ::testing::Contains("Version 1.0.0 (20070813)"));
+  EXPECT_EQ(reports[3]["link"], reports[3]["menu"][0]["link"]);
+  EXPECT_EQ(reports[4]["event"], "band navigates");  // the client menu's first link
+  EXPECT_TRUE(reports.rbegin()[1].contains("error"));
+}
+
 TEST_F(BrowseCommandTest, TextOutputSaysWhatTheBandDid) {
   const auto [output, error, status] =
       RunBrowse("navigate http://paypal-resolution-center.example/signin\n", "--answer no");

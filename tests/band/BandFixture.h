@@ -32,9 +32,14 @@ class BandFixture : public ComponentTest {
     RemoveClassRegistration(*process.settings, kPageFetchProgId, kPageFetchClassId);
     Install(kBuiltRex);
     Install(kBuiltPageFetch);
-    for (const char* file : {"localblock.dat", "xss.dat", "server/update-signing.key"}) {
+    for (const char* file :
+         {"localblock.dat", "xss.dat", "tarnwick.xml", "menu.xml", "logo.bmp", "server/update-signing.key"}) {
       std::filesystem::create_directories((server.data / file).parent_path());
       std::filesystem::copy_file(kSourceData / file, server.data / file);
+    }
+    // The menu files come with the installation.
+    for (const char* file : {"tarnwick.xml", "menu.xml", "logo.bmp"}) {
+      std::filesystem::copy_file(kSourceData / file, process.paths.ProgramFolder() / file);
     }
     server::testing::ImportLines(server.database, {"phish.example", "http://shop.example/cart/login.php"});
     server.Start();

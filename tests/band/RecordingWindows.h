@@ -2,11 +2,15 @@
 // order so that tests can read the window tree's life from it.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
 #include "band/BandWindows.h"
 #include "band/SiteInformation.h"
+#include "ui/cPopupMenu.h"
+#include "ui/frmAbout.h"
+#include "ui/frmOptions.h"
 
 namespace tarnwick::testing {
 
@@ -46,9 +50,30 @@ class RecordingWindows final : public BandWindows {
   }
   void AutoSize(WindowHandle window) override { calls.push_back("autosize " + std::to_string(window)); }
   void ShowSiteInformation(WindowHandle, const SiteInformation& information) override { shown.push_back(information); }
+  int Popup(WindowHandle button, const cPopupMenu& menu) override {
+    calls.push_back("popup from " + std::to_string(button));
+    popped = &menu;
+    return choice;
+  }
+  void RedrawButton(WindowHandle button, bool pressed) override {
+    calls.push_back("redraw " + std::to_string(button) + (pressed ? " pressed" : ""));
+  }
+  void OpenAbout(frmAbout& form) override {
+    calls.push_back("about");
+    aboutVersion = form.lblVersion;
+  }
+  void OpenOptions(frmOptions& form) override {
+    calls.push_back("options");
+    if (optionsAction) optionsAction(form);
+  }
+  void Uninstall(std::string_view commandLine) override { calls.push_back("uninstall " + std::string(commandLine)); }
 
   std::vector<std::string> calls;
   std::vector<SiteInformation> shown;
+  int choice = 0;  // what the person chooses from the next menu
+  const cPopupMenu* popped = nullptr;
+  std::string aboutVersion;
+  std::function<void(frmOptions&)> optionsAction;  // what the person does in the options dialog
   std::string iconsError;
   bool refuseToolbar = false;
   int buttonRight = 40;

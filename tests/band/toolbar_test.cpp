@@ -19,15 +19,16 @@ TEST_F(ToolBarTest, StartUpBuildsTheWindowTreeInOrderAndLoadsTheServersBlockList
 
   EXPECT_TRUE(record.toolbarCreated);
   EXPECT_TRUE(record.failedComponent.empty());
-  EXPECT_EQ(record.serverHashes, 2u);  // the server publishes localblock.dat and xss.dat
   EXPECT_EQ(record.updateCheckStatus, 404);
+  EXPECT_EQ(record.serverHashes, 5u);  // and the menu files
   // Every child is subclassed right after it is made; the message window
-  // last, once all of them exist.
-  EXPECT_THAT(
-      windows.calls,
-      ElementsAre("create 1 message", "create 2 toolbar in 1", "create 3 product menu in 2", "subclass 3", "indent 7",
-                  "icons", "buttons with labels", "create 4 text at 54 width 1080 in 2", "subclass 4",
-                  "create 5 search box in 2", "create 6 search edit in 5", "subclass 6", "subclass 1"));
+  // last, once all of them exist. The indent leaves room for the product
+  // bitmap (24 pixels) and the client logo (48) beside it.
+  EXPECT_THAT(windows.calls,
+              ElementsAre("create 1 message", "create 2 toolbar in 1", "create 3 product menu in 2", "subclass 3",
+                          "create 4 client menu at 24 in 2", "subclass 4", "indent 79", "icons", "buttons with labels",
+                          "create 5 text at 54 width 1080 in 2", "subclass 5", "create 6 search box in 2",
+                          "create 7 search edit in 6", "subclass 7", "subclass 1"));
   EXPECT_EQ(band.IOleWindow_GetWindow(), 2u);
   EXPECT_EQ(browser.calls.front(), "Connect");
   // The data files came from the server and the checker works from them.
@@ -115,8 +116,9 @@ TEST_F(ToolBarTest, CloseTearsTheWindowsDownInOrderWithALineForEach) {
                   "(DestroyToolbar) Unsubclassed message window", "(DestroyToolbar) Destroyed toolbar window",
                   "(DestroyToolbar) Destroyed message window", "(DestroyToolbar) Destroyed MD5 object",
                   "(DestroyToolbar) Destroyed PageFetch object", "(IDeskBand_CloseDW) exiting"));
-  EXPECT_THAT(windows.calls, ElementsAre("unsubclass 6", "destroy 5", "unsubclass 3", "destroy 3", "unsubclass 4",
-                                         "destroy 4", "unsubclass 1", "destroy 2", "destroy 1"));
+  EXPECT_THAT(windows.calls,
+              ElementsAre("unsubclass 4", "destroy 4", "unsubclass 7", "destroy 6", "unsubclass 3", "destroy 3",
+                          "unsubclass 5", "destroy 5", "unsubclass 1", "destroy 2", "destroy 1"));
   const auto log = ProgramLog();
   EXPECT_NE(std::search(log.begin(), log.end(), lines.begin(), lines.end(),
                         [](const std::string& logged, const std::string& line) { return logged == "(debug) " + line; }),
@@ -149,14 +151,23 @@ TEST_F(ToolBarTest, ASecondBandOfTheProcessSharesItsStartUpAndItsRetrievalCompon
   EXPECT_EQ(process.http.pageFetch, nullptr);
 }
 
+TEST_F(ToolBarTest, WithoutAClientLogoThereIsNoClientMenuButton) {
+  std::filesystem::remove(process.paths.ProgramFolder() / "logo.bmp");
+  std::filesystem::remove(server.data / "logo.bmp");
+  Start();
+  EXPECT_THAT(windows.calls, ::testing::Contains("indent 31"));  // the product bitmap and 7
+  EXPECT_THAT(windows.calls, ::testing::Not(::testing::Contains(::testing::HasSubstr("client menu"))));
+  EXPECT_THAT(band.IDeskBand_CloseDW(), ::testing::Contains("(DestroyToolbar) Unsubclassed and destroyed client menu"));
+}
+
 TEST_F(ToolBarTest, ShowingAndRedrawingTouchOnlyTheirWindows) {
   Start();
   windows.calls.clear();
   band.IDeskBand_ShowDW(true);
   band.IDeskBand_ShowDW(false);
   band.RedrawToolbar();
-  EXPECT_THAT(windows.calls, ElementsAre("show 2", "hide 2", "unsubclass 4", "destroy 4",
-                                         "create 7 text at 54 width 1080 in 2", "subclass 7", "autosize 2"));
+  EXPECT_THAT(windows.calls, ElementsAre("show 2", "hide 2", "unsubclass 5", "destroy 5",
+                                         "create 8 text at 54 width 1080 in 2", "subclass 8", "autosize 2"));
 }
 
 TEST_F(ToolBarTest, BandInfoFillsOnlyWhatTheMaskAsksFor) {
