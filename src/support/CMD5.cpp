@@ -1,6 +1,8 @@
 #include "support/CMD5.h"
 
+#include <algorithm>
 #include <array>
+#include <span>
 
 #include "support/Text.h"
 
@@ -26,16 +28,28 @@ constexpr std::array<int, 64> kShift = {7, 12, 17, 22, 7, 12, 17, 22, 7, 12, 17,
 
 std::uint32_t RotateLeft(std::uint32_t x, int n) { return (x << n) | (x >> (32 - n)); }
 
-// Streaming MD5 over bytes supplied through a mapping, so text and raw bytes
-// share one implementation without copying the input.
+// Streaming MD5: whole 64-byte blocks are taken straight from the input,
+// so a large component file hashes at the speed of the transform.
 class Md5 {
  public:
-  void Update(std::uint8_t byte) {
-    block_[fill_++] = byte;
-    ++length_;
-    if (fill_ == 64) {
-      Transform();
-      fill_ = 0;
+  void Update(std::uint8_t byte) { Update(std::span<const std::uint8_t>(&byte, 1)); }
+
+  void Update(std::span<const std::uint8_t> bytes) {
+    length_ += bytes.size();
+    while (!bytes.empty()) {
+      if (fill_ == 0 && bytes.size() >= 64) {
+        Transform(bytes.first<64>());
+        bytes = bytes.subspan(64);
+        continue;
+      }
+      const std::size_t take = std::min(bytes.size(), 64 - fill_);
+      std::copy_n(bytes.begin(), take, block_.begin() + static_cast<std::ptrdiff_t>(fill_));
+      fill_ += take;
+      bytes = bytes.subspan(take);
+      if (fill_ == 64) {
+        Transform(block_);
+        fill_ = 0;
+      }
     }
   }
 
@@ -52,11 +66,11 @@ class Md5 {
   }
 
  private:
-  void Transform() {
+  void Transform(std::span<const std::uint8_t, 64> block) {
     std::array<std::uint32_t, 16> m{};
     for (int i = 0; i < 16; ++i) {
-      m[i] = block_[i * 4] | (block_[i * 4 + 1] << 8) | (block_[i * 4 + 2] << 16) |
-             (static_cast<std::uint32_t>(block_[i * 4 + 3]) << 24);
+      m[i] = block[i * 4] | (block[i * 4 + 1] << 8) | (block[i * 4 + 2] << 16) |
+             (static_cast<std::uint32_t>(block[i * 4 + 3]) << 24);
     }
     std::uint32_t a = state_[0], b = state_[1], c = state_[2], d = state_[3];
     for (int i = 0; i < 64; ++i) {
@@ -95,7 +109,14 @@ class Md5 {
 
 Digest DigestOfText(std::string_view text) {
   Md5 md5;
-  for (char c : text) md5.Update(HashByteOfAnsi(static_cast<unsigned char>(c)));
+  std::array<std::uint8_t, 4096> chunk{};
+  while (!text.empty()) {
+    const std::size_t size = std::min(text.size(), chunk.size());
+    std::transform(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(size), chunk.begin(),
+                   [](char c) { return HashByteOfAnsi(static_cast<unsigned char>(c)); });
+    md5.Update(std::span<const std::uint8_t>(chunk.data(), size));
+    text.remove_prefix(size);
+  }
   return md5.Finish();
 }
 
@@ -116,7 +137,7 @@ std::string CMD5::MD5(std::string_view text) const { return LowerHex(DigestOfTex
 
 std::string CMD5::MD5Byte(std::span<const std::uint8_t> bytes) const {
   Md5 md5;
-  for (std::uint8_t byte : bytes) md5.Update(byte);
+  md5.Update(bytes);
   return LowerHex(md5.Finish());
 }
 
