@@ -225,7 +225,9 @@ void Win32BandWindows::PaintStrip(HWND window) {
     if (tooltip_ != nullptr) {
       TOOLINFOA tool{};
       tool.cbSize = TTTOOLINFOA_V1_SIZE;
-      tool.uFlags = TTF_SUBCLASS;
+      // The strip relays its mouse moves itself (WM_MOUSEMOVE below): the
+      // tooltip's own subclassing would stack on the band's.
+      tool.uFlags = 0;
       tool.hwnd = window;
       tool.rect = flagArea_;
       tool.lpszText = strip_.countryName.data();
@@ -296,6 +298,11 @@ LRESULT CALLBACK Win32BandWindows::Procedure(HWND window, UINT message, WPARAM w
 
 LRESULT Win32BandWindows::Handle(HWND window, Role role, WNDPROC own, UINT message, WPARAM wParam, LPARAM lParam) {
   switch (message) {
+    // Subclass's own creation message: the window's own procedure met its
+    // real one long ago, and would read a creation record this one lacks.
+    case WM_CREATE:
+      if (lParam == 0) return 0;
+      break;
     case WM_SETFOCUS:
     case WM_KILLFOCUS: events_.FocusChanged(message == WM_SETFOCUS); break;
     case WM_LBUTTONDOWN:
@@ -314,6 +321,12 @@ LRESULT Win32BandWindows::Handle(HWND window, Role role, WNDPROC own, UINT messa
             return 0;
           }
         }
+      }
+      break;
+    case WM_MOUSEMOVE:
+      if (role == Role::Text && tooltip_ != nullptr) {
+        MSG moved{window, message, wParam, lParam, 0, {}};
+        SendMessageA(tooltip_, TTM_RELAYEVENT, 0, reinterpret_cast<LPARAM>(&moved));
       }
       break;
     case WM_PAINT:
