@@ -16,6 +16,8 @@
 #include <string>
 #include <vector>
 
+#include "ControlHost.h"
+#include "LoopbackServer.h"
 #include "ScriptObject.h"
 #include "ScriptedBrowser.h"
 
@@ -142,20 +144,25 @@ class BandTest : public ::testing::Test {
     return status;
   }
 
-  // A band created by its ProgID and given the scripted browser as its site.
-  void StartBand() {
+  // A band created by its ProgID and given `site` (by default the scripted
+  // browser) as its site.
+  void StartBand(IUnknown* site = nullptr) {
     CLSID clsid{};
     ASSERT_EQ(CLSIDFromProgID(kProgId, &clsid), S_OK);
     ASSERT_EQ(CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, IID_IDeskBand, reinterpret_cast<void**>(&band)),
               S_OK);
     IObjectWithSite* withSite = nullptr;
     ASSERT_EQ(band->QueryInterface(IID_IObjectWithSite, reinterpret_cast<void**>(&withSite)), S_OK);
-    ASSERT_EQ(withSite->SetSite(static_cast<IServiceProvider*>(&browser)), S_OK);
+    ASSERT_EQ(withSite->SetSite(site != nullptr ? site : static_cast<IServiceProvider*>(&browser)), S_OK);
     withSite->Release();
-    ASSERT_NE(browser.sink, nullptr) << "the band did not connect to the browser's events";
+    if (site == nullptr) {
+      ASSERT_NE(browser.sink, nullptr) << "the band did not connect to the browser's events";
+    }
   }
 
-  void TearDown() override {
+  void TearDown() override { CloseBand(); }
+
+  void CloseBand() {
     if (band == nullptr) return;
     band->CloseDW(0);
     IObjectWithSite* withSite = nullptr;
@@ -163,6 +170,21 @@ class BandTest : public ::testing::Test {
     withSite->SetSite(nullptr);
     withSite->Release();
     band->Release();
+    band = nullptr;
+  }
+
+  // Lets the window messages run until `done` or `seconds` pass.
+  template <typename Condition>
+  static void Pump(double seconds, Condition done) {
+    const DWORD end = GetTickCount() + static_cast<DWORD>(seconds * 1000);
+    while (!done() && GetTickCount() < end) {
+      MSG message;
+      while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
+        TranslateMessage(&message);
+        DispatchMessageA(&message);
+      }
+      Sleep(10);
+    }
   }
 
   // Raises BeforeNavigate2 as the browser does; the Cancel the band wrote.
@@ -373,8 +395,7 @@ TEST_F(BandTest, AnswersTheBrowsersQuestionsAndKeepsNothing) {
       reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA("twtb.dll"), "DllCanUnloadNow")));
   ASSERT_NE(canUnload, nullptr);
   EXPECT_EQ(canUnload(), S_FALSE);
-  TearDown();
-  band = nullptr;
+  CloseBand();
   EXPECT_EQ(browser.sink, nullptr) << "the event sink stayed connected";
   EXPECT_EQ(canUnload(), S_OK);
 }
@@ -453,6 +474,56 @@ TEST_F(BandTest, TheReportFormIsFilledInAndItsDetailsKeptWhenSent) {
   DISPPARAMS none{};
   EXPECT_EQ(onsubmit->Invoke(DISPID_VALUE, IID_NULL, 0, DISPATCH_METHOD, &none, nullptr, nullptr, nullptr), S_OK);
   EXPECT_EQ(GetSetting("AutoFillName"), "Ada Changed");
+}
+
+// Wine's own browser control, hosted as Internet Explorer hosts it, with a
+// loopback listener standing in for the phishing site (as the control's
+// proxy, since the listed host names no address): the band stops the
+// navigation in BeforeNavigate2 before any request leaves, and lets it go
+// when the person insists.
+TEST_F(BandTest, TheBrowserControlsNavigationToAListedSiteStopsBeforeAnyRequest) {
+  LoopbackServer phishing([](const Request&) { return Reply::Http(200, "OK", "<html>caught</html>"); });
+  constexpr const char* kInternetSettings = "Software\\Microsoft\\Windows\\CurrentVersion\\Internet Settings";
+  const DWORD on = 1;
+  RegSetKeyValueA(HKEY_CURRENT_USER, kInternetSettings, "ProxyEnable", REG_DWORD, &on, sizeof on);
+  const std::string proxy = phishing.Base().substr(std::string("http://").size());
+  RegSetKeyValueA(HKEY_CURRENT_USER, kInternetSettings, "ProxyServer", REG_SZ, proxy.c_str(),
+                  static_cast<DWORD>(proxy.size() + 1));
+  const char* bypass = "127.0.0.1;localhost;<local>";
+  RegSetKeyValueA(HKEY_CURRENT_USER, kInternetSettings, "ProxyOverride", REG_SZ, bypass,
+                  static_cast<DWORD>(strlen(bypass) + 1));
+  {
+    ControlHost host;
+    ASSERT_TRUE(host.Open());
+    StartBand(static_cast<IServiceProvider*>(&host));
+    DialogAnswers::texts().clear();
+    DialogAnswers::answer() = IDNO;
+    const auto navigate = [&host](const std::string& url) {
+      VARIANT address;
+      VariantInit(&address);
+      address.vt = VT_BSTR;
+      address.bstrVal = SysAllocString(std::wstring(url.begin(), url.end()).c_str());
+      host.browser->Navigate2(&address, nullptr, nullptr, nullptr, nullptr);
+      VariantClear(&address);
+    };
+    navigate(kListedSite);
+    Pump(3, [] { return !DialogAnswers::texts().empty(); });
+    Pump(1, [] { return false; });
+    EXPECT_EQ(DialogAnswers::texts().size(), 1u);
+    EXPECT_TRUE(phishing.Requests().empty()) << phishing.Requests().at(0).target;
+
+    DialogAnswers::answer() = IDYES;
+    navigate(std::string(kListedSite) + "?anyway");
+    Pump(5, [&phishing] { return !phishing.Requests().empty(); });
+    EXPECT_EQ(DialogAnswers::texts().size(), 2u);
+    ASSERT_FALSE(phishing.Requests().empty()) << "the navigation the person allowed did not go ahead";
+    EXPECT_NE(phishing.Requests().at(0).target.find("paypal-resolution-center.example"), std::string::npos);
+    CloseBand();
+  }
+  HKEY settings = nullptr;
+  RegOpenKeyExA(HKEY_CURRENT_USER, kInternetSettings, 0, KEY_SET_VALUE, &settings);
+  for (const char* value : {"ProxyEnable", "ProxyServer", "ProxyOverride"}) RegDeleteValueA(settings, value);
+  RegCloseKey(settings);
 }
 
 // Last: it takes the registration away.
