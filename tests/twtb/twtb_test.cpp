@@ -30,6 +30,63 @@ constexpr const wchar_t* kProgId = L"prjTarnwickToolbar.Toolbar";
 constexpr const char* kListedSite = "http://paypal-resolution-center.example/signin";
 
 // Message boxes are answered by pressing `answer`; their texts are kept.
+// The options and about dialogs, driven through their controls once shown:
+// what they showed and what the person's changes did are kept.
+struct DialogScript {
+  static std::vector<std::string>& seen() {
+    static std::vector<std::string> lines;
+    return lines;
+  }
+  static std::vector<HWND> Controls(HWND dialog, const char* windowClass) {
+    std::vector<HWND> found;
+    for (HWND child = GetWindow(dialog, GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT)) {
+      if (ClassName(child) == windowClass) found.push_back(child);
+    }
+    return found;
+  }
+  static std::string ClassName(HWND window) {
+    char name[64] = {};
+    GetClassNameA(window, name, sizeof name);
+    return name;
+  }
+  static std::string Text(HWND window) {
+    char text[512] = {};
+    GetWindowTextA(window, text, sizeof text);
+    return text;
+  }
+  // A click as the button reports it to its dialog.
+  static void Click(HWND dialog, HWND button) {
+    if ((GetWindowLongPtrA(button, GWL_STYLE) & BS_TYPEMASK) == BS_AUTOCHECKBOX) {
+      const bool checked = SendMessageA(button, BM_GETCHECK, 0, 0) == BST_CHECKED;
+      SendMessageA(button, BM_SETCHECK, checked ? BST_UNCHECKED : BST_CHECKED, 0);
+    }
+    SendMessageA(dialog, WM_COMMAND, MAKEWPARAM(GetDlgCtrlID(button), BN_CLICKED), reinterpret_cast<LPARAM>(button));
+  }
+  static void CALLBACK Options(HWND dialog, UINT, UINT_PTR timer, DWORD) {
+    KillTimer(dialog, timer);
+    const auto edits = Controls(dialog, "Edit");
+    const auto enabled = [&edits] { return IsWindowEnabled(edits.at(0)) != FALSE ? "enabled" : "disabled"; };
+    seen().push_back(std::string("name box ") + enabled());
+    for (HWND box : Controls(dialog, "Button")) {
+      if (Text(box) == "Remember Details for Report URL Form") Click(dialog, box);
+    }
+    seen().push_back(std::string("name box ") + enabled());
+    // The update interval: the fourth slider, moved to two hours.
+    HWND slider = Controls(dialog, TRACKBAR_CLASSA).at(3);
+    SendMessageA(slider, TBM_SETPOS, TRUE, 120);
+    SendMessageA(dialog, WM_HSCROLL, MAKEWPARAM(TB_THUMBPOSITION, 120), reinterpret_cast<LPARAM>(slider));
+    for (HWND label : Controls(dialog, "Static")) {
+      if (Text(label).find("hours") != std::string::npos) seen().push_back("label " + Text(label));
+    }
+    Click(dialog, GetDlgItem(dialog, IDOK));
+  }
+  static void CALLBACK About(HWND dialog, UINT, UINT_PTR timer, DWORD) {
+    KillTimer(dialog, timer);
+    for (HWND label : Controls(dialog, "Static")) seen().push_back(Text(label));
+    Click(dialog, GetDlgItem(dialog, IDOK));
+  }
+};
+
 struct DialogAnswers {
   static int& answer() {
     static int value = IDNO;
@@ -42,6 +99,10 @@ struct DialogAnswers {
   static LRESULT CALLBACK Hook(int code, WPARAM wParam, LPARAM lParam) {
     if (code == HCBT_ACTIVATE) {
       HWND box = reinterpret_cast<HWND>(wParam);
+      char caption[128] = {};
+      GetWindowTextA(box, caption, sizeof caption);
+      if (std::string(caption) == "Tarnwick Toolbar Options") SetTimer(box, 1, 10, &DialogScript::Options);
+      if (std::string(caption) == "About Tarnwick Toolbar") SetTimer(box, 1, 10, &DialogScript::About);
       char name[64] = {};
       GetClassNameA(box, name, sizeof name);
       if (std::string(name) == "#32770" && GetDlgItem(box, IDOK) == nullptr && GetDlgItem(box, IDYES) != nullptr) {
@@ -474,6 +535,42 @@ TEST_F(BandTest, TheReportFormIsFilledInAndItsDetailsKeptWhenSent) {
   DISPPARAMS none{};
   EXPECT_EQ(onsubmit->Invoke(DISPID_VALUE, IID_NULL, 0, DISPATCH_METHOD, &none, nullptr, nullptr, nullptr), S_OK);
   EXPECT_EQ(GetSetting("AutoFillName"), "Ada Changed");
+}
+
+// The product menu drops from its button; the person picks Options..., then
+// About... with the keyboard, and works the dialogs through their controls.
+TEST_F(BandTest, TheProductMenuOpensTheDialogsWhichWorkThroughTheirControls) {
+  StartBand();
+  HWND toolbar = nullptr;
+  band->GetWindow(&toolbar);
+  HWND product = nullptr;
+  for (HWND child : Children(toolbar)) {
+    if (ClassOf(child) == "Static" && (GetWindowLongPtrA(child, GWL_STYLE) & SS_BITMAP) == SS_BITMAP) {
+      product = child;
+      break;
+    }
+  }
+  ASSERT_NE(product, nullptr);
+  const auto choose = [product](int downs) {
+    for (int i = 0; i < downs; ++i) PostMessageA(product, WM_KEYDOWN, VK_DOWN, 0);
+    PostMessageA(product, WM_KEYDOWN, VK_RETURN, 0);
+    SendMessageA(product, WM_LBUTTONDOWN, MK_LBUTTON, 0);
+  };
+  DialogScript::seen().clear();
+  const std::string autoFill = GetSetting("AutoFillReportForm");
+  choose(6);  // the sixth entry: Options...
+  ASSERT_GE(DialogScript::seen().size(), 3u) << "the options dialog did not open";
+  EXPECT_NE(DialogScript::seen()[0], DialogScript::seen()[1]);  // the box enables or disables the name
+  EXPECT_NE(DialogScript::seen()[2].find("2"), std::string::npos) << DialogScript::seen()[2];
+  EXPECT_EQ(GetSetting("DLLUpdateInterval"), "7200");  // kept in seconds
+  EXPECT_NE(GetSetting("AutoFillReportForm"), autoFill);
+
+  DialogScript::seen().clear();
+  choose(7);  // About...
+  std::string shown;
+  for (const std::string& line : DialogScript::seen()) shown += line + "\n";
+  EXPECT_NE(shown.find("Tarnwick Toolbar"), std::string::npos) << shown;
+  EXPECT_NE(shown.find("Version 1.0.0"), std::string::npos) << shown;
 }
 
 // Wine's own browser control, hosted as Internet Explorer hosts it, with a
