@@ -189,10 +189,33 @@ void Win32BandWindows::ShowSiteInformation(WindowHandle textWindow, const SiteIn
   InvalidateRect(ToHwnd(textWindow), nullptr, TRUE);
 }
 
-// The strip, left to right: the risk bar (red up to the rank out of 10), the
-// flag (the country's code in a box; its name in the tooltip), then the
-// words, links underlined in blue. Painting also records where the links
-// and the flag went.
+// The hosting country's flag where the text names the country: its code in a
+// box, its name in the tooltip. Returns where the text goes on.
+int Win32BandWindows::PaintFlag(HDC dc, HWND window, int x, const std::string& code, const std::string& name) {
+  SIZE size{};
+  GetTextExtentPoint32A(dc, code.c_str(), static_cast<int>(code.size()), &size);
+  flagArea_ = {x + 2, 2, x + size.cx + 8, 18};
+  FrameRect(dc, &flagArea_, static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)));
+  SetTextColor(dc, GetSysColor(COLOR_BTNTEXT));
+  TextOutA(dc, x + 5, 3, code.c_str(), static_cast<int>(code.size()));
+  if (tooltip_ != nullptr) {
+    TOOLINFOA tool{};
+    tool.cbSize = TTTOOLINFOA_V1_SIZE;
+    // The strip relays its mouse moves itself (WM_MOUSEMOVE below): the
+    // tooltip's own subclassing would stack on the band's.
+    tool.hwnd = window;
+    tool.rect = flagArea_;
+    tooltipText_ = name;
+    tool.lpszText = tooltipText_.data();
+    SendMessageA(tooltip_, TTM_DELTOOLA, 0, reinterpret_cast<LPARAM>(&tool));
+    SendMessageA(tooltip_, TTM_ADDTOOLA, 0, reinterpret_cast<LPARAM>(&tool));
+  }
+  return flagArea_.right + 4;
+}
+
+// The strip, left to right: the risk bar (red up to the rank out of 10),
+// then the words, links underlined in blue, and the flag where the text names
+// the country. Painting also records where the links and the flag went.
 void Win32BandWindows::PaintStrip(HWND window) {
   PAINTSTRUCT paint{};
   const bool painting = GetUpdateRect(window, nullptr, FALSE) != FALSE;
@@ -215,28 +238,11 @@ void Win32BandWindows::PaintStrip(HWND window) {
     if (!strip_.riskLink.empty()) links_.push_back({bar, strip_.riskLink});
     x += kRiskBarWidth + 6;
   }
-  if (!strip_.countryCode.empty()) {
-    SIZE size{};
-    GetTextExtentPoint32A(dc, strip_.countryCode.c_str(), static_cast<int>(strip_.countryCode.size()), &size);
-    flagArea_ = {x, 2, x + size.cx + 6, 18};
-    FrameRect(dc, &flagArea_, static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)));
-    TextOutA(dc, x + 3, 3, strip_.countryCode.c_str(), static_cast<int>(strip_.countryCode.size()));
-    x = flagArea_.right + 6;
-    if (tooltip_ != nullptr) {
-      TOOLINFOA tool{};
-      tool.cbSize = TTTOOLINFOA_V1_SIZE;
-      // The strip relays its mouse moves itself (WM_MOUSEMOVE below): the
-      // tooltip's own subclassing would stack on the band's.
-      tool.uFlags = 0;
-      tool.hwnd = window;
-      tool.rect = flagArea_;
-      tool.lpszText = strip_.countryName.data();
-      SendMessageA(tooltip_, TTM_DELTOOLA, 0, reinterpret_cast<LPARAM>(&tool));
-      SendMessageA(tooltip_, TTM_ADDTOOLA, 0, reinterpret_cast<LPARAM>(&tool));
-    }
-  }
   for (const StripRun& run : strip_.runs) {
-    if (run.kind == StripRun::Kind::Country) continue;
+    if (run.kind == StripRun::Kind::Country) {
+      x = PaintFlag(dc, window, x, run.target, run.text);
+      continue;
+    }
     SIZE size{};
     GetTextExtentPoint32A(dc, run.text.c_str(), static_cast<int>(run.text.size()), &size);
     const bool link = run.kind == StripRun::Kind::Link;

@@ -72,6 +72,7 @@ class Win32BandWindows final : public BandWindows {
   static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
   LRESULT Handle(HWND window, Role role, WNDPROC own, UINT message, WPARAM wParam, LPARAM lParam);
   void PaintStrip(HWND window);
+  int PaintFlag(HDC dc, HWND window, int x, const std::string& code, const std::string& name);
 
   BandEvents& events_;
   const MenuState& menus_;
@@ -82,6 +83,7 @@ class Win32BandWindows final : public BandWindows {
   SiteInformation strip_;
   std::vector<Hotspot> links_;
   RECT flagArea_{};
+  std::string tooltipText_;
 };
 
 }  // namespace tarnwick::twtb

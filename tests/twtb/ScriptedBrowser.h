@@ -186,6 +186,38 @@ class ScriptedBrowser final : public IWebBrowser2,
   HRESULT STDMETHODCALLTYPE get_AddressBar(VARIANT_BOOL*) override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE get_Resizable(VARIANT_BOOL*) override { return E_NOTIMPL; }
 
+  // Raises BeforeNavigate2 as the browser does (from a frame when `from` is
+  // given); the Cancel the band wrote.
+  bool BeforeNavigate2(const std::string& url, IDispatch* from = nullptr) {
+    VARIANT address, flags, frame, post, headers;
+    for (VARIANT* value : {&address, &flags, &frame, &post, &headers}) VariantInit(value);
+    address.vt = VT_BSTR;
+    address.bstrVal = SysAllocString(std::wstring(url.begin(), url.end()).c_str());
+    flags.vt = VT_I4;
+    frame.vt = VT_BSTR;
+    frame.bstrVal = SysAllocString(L"");
+    headers.vt = VT_BSTR;
+    headers.bstrVal = SysAllocString(L"");
+    VARIANT_BOOL cancel = VARIANT_FALSE;
+    VARIANT arguments[7];
+    for (VARIANT& argument : arguments) VariantInit(&argument);
+    // Last first, each by reference as the browser passes them.
+    arguments[6].vt = VT_DISPATCH;
+    arguments[6].pdispVal = from != nullptr ? from : static_cast<IWebBrowser2*>(this);
+    VARIANT* byReference[] = {&address, &flags, &frame, &post, &headers};
+    for (int i = 0; i < 5; ++i) {
+      arguments[5 - i].vt = VT_BYREF | VT_VARIANT;
+      arguments[5 - i].pvarVal = byReference[i];
+    }
+    arguments[0].vt = VT_BYREF | VT_BOOL;
+    arguments[0].pboolVal = &cancel;
+    DISPPARAMS parameters{arguments, nullptr, 7, 0};
+    sink->Invoke(DISPID_BEFORENAVIGATE2, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &parameters, nullptr, nullptr,
+                 nullptr);
+    for (VARIANT* value : {&address, &flags, &frame, &post, &headers}) VariantClear(value);
+    return cancel != VARIANT_FALSE;
+  }
+
   static std::string Narrow(BSTR text) {
     std::string narrow;
     for (const wchar_t* c = text; c != nullptr && *c != 0; ++c) narrow += static_cast<char>(*c);

@@ -248,34 +248,7 @@ class BandTest : public ::testing::Test {
     }
   }
 
-  // Raises BeforeNavigate2 as the browser does; the Cancel the band wrote.
-  bool BeforeNavigate2(const std::string& url, IDispatch* from = nullptr) {
-    VARIANT address, flags, frame, post, headers;
-    for (VARIANT* value : {&address, &flags, &frame, &post, &headers}) VariantInit(value);
-    address.vt = VT_BSTR;
-    address.bstrVal = SysAllocString(std::wstring(url.begin(), url.end()).c_str());
-    flags.vt = VT_I4;
-    frame.vt = VT_BSTR;
-    frame.bstrVal = SysAllocString(L"");
-    headers.vt = VT_BSTR;
-    headers.bstrVal = SysAllocString(L"");
-    VARIANT_BOOL cancel = VARIANT_FALSE;
-    VARIANT arguments[7];
-    for (VARIANT& argument : arguments) VariantInit(&argument);
-    // Last first, each by reference as the browser passes them.
-    arguments[6].vt = VT_DISPATCH;
-    arguments[6].pdispVal = from != nullptr ? from : static_cast<IWebBrowser2*>(&browser);
-    VARIANT* byReference[] = {&address, &flags, &frame, &post, &headers};
-    for (int i = 0; i < 5; ++i) {
-      arguments[5 - i].vt = VT_BYREF | VT_VARIANT;
-      arguments[5 - i].pvarVal = byReference[i];
-    }
-    arguments[0].vt = VT_BYREF | VT_BOOL;
-    arguments[0].pboolVal = &cancel;
-    Raise(DISPID_BEFORENAVIGATE2, arguments, 7);
-    for (VARIANT* value : {&address, &flags, &frame, &post, &headers}) VariantClear(value);
-    return cancel != VARIANT_FALSE;
-  }
+  bool BeforeNavigate2(const std::string& url, IDispatch* from = nullptr) { return browser.BeforeNavigate2(url, from); }
 
   void Arrived(DISPID event, const std::string& url) {
     VARIANT address;
