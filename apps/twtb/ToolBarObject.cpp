@@ -86,8 +86,10 @@ HRESULT ToolBarObject::HasFocusIO() {
   return focus != nullptr && (focus == toolbar || IsChild(toolbar, focus)) ? S_OK : S_FALSE;
 }
 
+// Keys typed into the band's own windows (the search box) are the band's;
+// every other key stays the browser's.
 HRESULT ToolBarObject::TranslateAcceleratorIO(MSG* message) {
-  if (message == nullptr) return S_FALSE;
+  if (message == nullptr || HasFocusIO() != S_OK) return S_FALSE;
   TranslateMessage(message);
   DispatchMessageA(message);
   return S_OK;
@@ -98,24 +100,15 @@ HRESULT ToolBarObject::SetSite(IUnknown* site) {
   if (site_ != nullptr) site_->Release();
   site_ = site;
   inputSite_ = nullptr;
-  if (site == nullptr) {
-    band_.IObjectWithSite_SetSite(nullptr);
-    browser_.reset();
-    return S_OK;
-  }
+  // The band lets its old browser go before that browser's object does.
+  if (browser_ || site == nullptr) band_.IObjectWithSite_SetSite(nullptr);
+  browser_.reset();
+  if (site == nullptr) return S_OK;
   site_->AddRef();
   site_->QueryInterface(IID_IInputObjectSite, reinterpret_cast<void**>(&inputSite_));
   browser_ = std::make_unique<ComBrowser>(site_, band_);
+  // The browser moves the toolbar window into its own toolbar area.
   band_.IObjectWithSite_SetSite(browser_.get());
-  // The browser puts the toolbar into its own toolbar area.
-  HWND parent = nullptr;
-  IOleWindow* siteWindow = nullptr;
-  if (SUCCEEDED(site_->QueryInterface(IID_IOleWindow, reinterpret_cast<void**>(&siteWindow)))) {
-    siteWindow->GetWindow(&parent);
-    siteWindow->Release();
-  }
-  HWND toolbar = ToHwnd(band_.IOleWindow_GetWindow());
-  if (parent != nullptr && toolbar != nullptr) SetParent(toolbar, parent);
   return S_OK;
 }
 
