@@ -14,6 +14,11 @@ if [ ! -f "$prefix/.tarnwick-ready" ]; then
   /usr/lib/wine/wineserver -w
   "$wine" reg add 'HKCU\Software\Wine\WineDbg' /v ShowCrashDialog /t REG_DWORD /d 0 /f >>"$log" 2>&1
   "$wine" reg add 'HKCU\Software\Wine\Drivers' /v Graphics /d null /f >>"$log" 2>&1
-  /usr/lib/wine/wineserver -k || true
+  # Let the server exit by itself: it writes the registry as it goes, and a
+  # killed one can lose the values just added.
+  /usr/lib/wine/wineserver -w
+  "$wine" reg query 'HKCU\Software\Wine\Drivers' /v Graphics >>"$log" 2>&1 ||
+    { echo "wine-prefix.sh: the null graphics driver was not set (see $log)" >&2; exit 1; }
+  /usr/lib/wine/wineserver -w
   touch "$prefix/.tarnwick-ready"
 fi

@@ -50,7 +50,13 @@ int InstallNewVersion(const std::filesystem::path& folder, Log& log, const InUse
     return 1;
   }
   const auto deadline = std::chrono::steady_clock::now() + std::chrono::duration<double>(options.waitSeconds);
+  bool told = false;
   while (FileExists(program.current) && inUse(program.current)) {
+    if (!told) {
+      log.WriteLog("(Updater) Waiting for the browser to let go of " + program.current.string());
+      if (options.onHeld) options.onHeld();
+      told = true;
+    }
     if (std::chrono::steady_clock::now() >= deadline) {
       log.WriteLog("(Updater) Gave up: " + program.current.string() + " is still in use");
       return 1;

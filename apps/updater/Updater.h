@@ -30,6 +30,9 @@ struct UpdaterOptions {
   // How long to wait for the program file to be released.
   double waitSeconds = 120;
   double pollSeconds = 0.5;
+  // Told once, when the program file is first found in use: the person is
+  // asked to close the browser that holds it. The wait goes on meanwhile.
+  std::function<void()> onHeld;
 };
 
 using InUse = std::function<bool(const std::filesystem::path&)>;
@@ -48,5 +51,8 @@ int RunUpdater(const std::vector<std::string>& args, const std::filesystem::path
 // Whether another process still has the program file open for running it
 // (backend per platform).
 bool ProgramFileInUse(const std::filesystem::path& file);
+// Asks the person to close the browser, without waiting for an answer: a
+// message box of its own on Windows, a line on standard error elsewhere.
+void AskToCloseBrowser();
 
 }  // namespace tarnwick::updater

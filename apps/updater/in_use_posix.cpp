@@ -2,6 +2,8 @@
 #include <sys/file.h>
 #include <unistd.h>
 
+#include <iostream>
+
 #include "Updater.h"
 
 namespace tarnwick::updater {
@@ -15,5 +17,7 @@ bool ProgramFileInUse(const std::filesystem::path& file) {
   ::close(fd);
   return busy;
 }
+
+void AskToCloseBrowser() { std::cerr << "updater: the toolbar is in use: close the browser to finish the update\n"; }
 
 }  // namespace tarnwick::updater

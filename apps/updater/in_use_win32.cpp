@@ -1,5 +1,7 @@
 #include <windows.h>
 
+#include <thread>
+
 #include "Updater.h"
 
 namespace tarnwick::updater {
@@ -11,6 +13,17 @@ bool ProgramFileInUse(const std::filesystem::path& file) {
   if (handle == INVALID_HANDLE_VALUE) return GetLastError() == ERROR_SHARING_VIOLATION;
   CloseHandle(handle);
   return false;
+}
+
+// The box stays until the person closes it or the updater ends; the wait for
+// the browser goes on behind it.
+void AskToCloseBrowser() {
+  std::thread([] {
+    MessageBoxA(nullptr,
+                "The Tarnwick Toolbar update is ready to install. Please close all Internet Explorer windows: it is "
+                "installed as soon as they are closed.",
+                "Tarnwick Toolbar", MB_OK | MB_ICONINFORMATION | MB_SETFOREGROUND | MB_TOPMOST);
+  }).detach();
 }
 
 }  // namespace tarnwick::updater

@@ -14,6 +14,8 @@ int main(int argc, char** argv) {
   const auto paths = MakePlatformPaths();
   const bool debug = false;
   Log log(*paths, *clock, debug);
+  updater::UpdaterOptions options;
+  options.onHeld = updater::AskToCloseBrowser;
   return updater::RunUpdater(std::vector<std::string>(argv + 1, argv + argc), RunningModuleFolder(), log,
-                             updater::ProgramFileInUse);
+                             updater::ProgramFileInUse, options);
 }

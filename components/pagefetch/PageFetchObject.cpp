@@ -1,10 +1,8 @@
 #include "PageFetchObject.h"
 
-#include "settings/mdlRegistry.h"
-
 namespace tarnwick::pagefetch {
 
-PageFetchObject::PageFetchObject(std::function<ZoneLists()> zoneLists, RetrieverLimits limits)
+PageFetchObject::PageFetchObject(ZoneMapper zones, RetrieverLimits limits)
     : Dispatcher({
           {"RetrieveAsync", 3, 3,
            [this](kit::Arguments& a) -> Variant { return retriever_.RetrieveAsync(a.Text(0), a.Text(1), a.Text(2)); }},
@@ -35,16 +33,9 @@ PageFetchObject::PageFetchObject(std::function<ZoneLists()> zoneLists, Retriever
              retriever_.RetrieveAsyncWait(a.Integer(0));
              return {};
            }},
-          {"MapZone", 1, 1, [this](kit::Arguments& a) -> Variant { return MapZone(a.Text(0), zoneLists_()); }},
+          {"MapZone", 1, 1, [this](kit::Arguments& a) -> Variant { return zones_(a.TextView(0)); }},
       }),
       retriever_(limits),
-      zoneLists_(std::move(zoneLists)) {}
-
-ZoneLists ZoneListsFromSettings(SettingsStore& store) {
-  const auto list = [&store](std::string_view name) {
-    return ToText(mdlRegistry::GetSetting(store, mdlRegistry::kSettingsKey, name, std::string()));
-  };
-  return {list("TrustedSites"), list("IntranetSites"), list("RestrictedSites")};
-}
+      zones_(std::move(zones)) {}
 
 }  // namespace tarnwick::pagefetch

@@ -1,17 +1,7 @@
-// Asynchronous HTTP retrieval over libcurl's multi interface: the engine
-// behind the Tarnwick.PageFetch.1 component. Transfers are keyed by URL; the
-// caller starts one, polls its state, reads the answer and finishes it.
-//
-// States (RetrieveAsyncCompleted):
-//   4  waiting for the server: entered as soon as the request is issued, so a
-//      caller's time-out applies from the first poll on
-//   2  finished with a page (a 2xx answer); the page is the body
-//   3  finished with an error answer; the page is "<number> <text>":
-//        an HTTP error: the status, and the body or, when the body is empty,
-//        the reason phrase ("404 Not Found", "304 Not Modified");
-//        a transport failure: 1000 + libcurl's error code (never an HTTP
-//        status), and what failed ("1007 Couldn't connect to server: ...")
-//   A URL with no transfer reads as state 3 with an empty page.
+// Asynchronous HTTP retrieval: the engine behind the Tarnwick.PageFetch.1
+// component. Transfers are keyed by URL; the caller starts one, polls its
+// state, reads the answer and finishes it. The states and the page are those
+// of Transfer.h; the platform's HTTP client moves the bytes (Transport.h).
 //
 // RetrieveAsyncReceived tells how many bytes of the answer (header lines and
 // body, over every response of the transfer) have arrived so far: a caller
@@ -19,8 +9,8 @@
 // rather than the whole transfer.
 //
 // Every transfer also has limits of its own (connect, total time, body size),
-// so one its caller abandons still ends. Proxies come from the usual
-// environment variables, as libcurl reads them.
+// so one its caller abandons still ends. Proxies are the platform's: the usual
+// environment variables on POSIX, the system's Internet settings on Windows.
 #pragma once
 
 #include <cstdint>
@@ -29,23 +19,14 @@
 #include <string>
 #include <vector>
 
+#include "Transfer.h"
+#include "Transport.h"
+
 namespace tarnwick::pagefetch {
-
-inline constexpr std::int32_t kStateWaiting = 4;
-inline constexpr std::int32_t kStatePage = 2;
-inline constexpr std::int32_t kStateError = 3;
-inline constexpr std::int32_t kTransportErrorBase = 1000;
-
-struct RetrieverLimits {
-  long connectSeconds = 30;
-  long totalSeconds = 300;
-  std::size_t maxBodyBytes = 64u << 20;
-};
 
 class Retriever {
  public:
   explicit Retriever(RetrieverLimits limits = {});
-  ~Retriever();
   Retriever(const Retriever&) = delete;
   Retriever& operator=(const Retriever&) = delete;
 
@@ -65,19 +46,18 @@ class Retriever {
   // Copies the page into `buffer`, up to the buffer's size.
   void RetrieveAsyncPage(const std::string& url, std::vector<std::uint8_t>& buffer);
   void RetrieveAsyncFinish(const std::string& url);
-  // Blocks until a transfer's socket is ready or `milliseconds` pass: the
-  // caller's way to wait without spinning.
+  // Blocks until a transfer has news or `milliseconds` pass: the caller's way
+  // to wait without spinning.
   void RetrieveAsyncWait(std::int32_t milliseconds);
 
  private:
-  struct Transfer;
   std::string Start(const std::string& url, const std::string& agent, const std::string& headers,
                     const std::string* postData);
-  void Pump();
   Transfer* Find(const std::string& url);
 
-  RetrieverLimits limits_;
-  void* multi_;  // CURLM*, kept out of this header
+  // Declared first, so it outlives the transfers, which end their requests
+  // through it.
+  std::unique_ptr<Transport> transport_;
   std::map<std::string, std::unique_ptr<Transfer>> transfers_;
 };
 

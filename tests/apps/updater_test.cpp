@@ -20,6 +20,8 @@
 #include <cerrno>
 
 #include "support/SystemCalls.h"
+#else
+#include <windows.h>
 #endif
 
 namespace tarnwick::testing {
@@ -32,7 +34,7 @@ struct UpdaterTest : ::testing::Test {
   bool debug = false;
   Log log{paths, clock, debug};
   std::filesystem::path folder = paths.program;
-  updater::UpdaterOptions quick{0.3, 0.01};
+  updater::UpdaterOptions quick{0.3, 0.01, {}};
 
   std::string Read(const std::string& name) {
     return FileExists(folder / name) ? ReadFile(log, folder / name) : std::string("<none>");
@@ -58,8 +60,13 @@ TEST_F(UpdaterTest, WaitsForTheProgramFileThenSwapsTheVersions) {
   WriteFile(log, folder / "twtb.new", "version 2");
   int polls = 0;
   const auto busyTwice = [&](const std::filesystem::path&) { return ++polls <= 2; };
-  EXPECT_EQ(updater::InstallNewVersion(folder, log, busyTwice, quick), 0);
+  int asked = 0;
+  updater::UpdaterOptions options = quick;
+  options.onHeld = [&asked] { ++asked; };
+  EXPECT_EQ(updater::InstallNewVersion(folder, log, busyTwice, options), 0);
   EXPECT_EQ(polls, 3);
+  EXPECT_EQ(asked, 1);  // the person is asked once to close the browser
+  EXPECT_NE(LogText().find("(Updater) Waiting for the browser to let go of"), std::string::npos);
   EXPECT_EQ(Read("twtb.dll"), "version 2");
   EXPECT_EQ(Read("twtb.old"), "version 1");
   EXPECT_FALSE(FileExists(folder / "twtb.new"));
@@ -191,6 +198,18 @@ TEST_F(UpdaterTest, AProgramHoldingItsFileLocksOutTheUpdater) {
   ASSERT_EQ(::flock(holder, LOCK_SH), 0);
   EXPECT_TRUE(updater::ProgramFileInUse(folder / "twtb.dll"));
   ::close(holder);
+  EXPECT_FALSE(updater::ProgramFileInUse(folder / "twtb.dll"));
+}
+#endif
+
+#ifdef _WIN32
+TEST_F(UpdaterTest, ALoadedLibraryIsHeldUntilItIsFreed) {
+  // Any module file does: the updater's own, under the band's name.
+  std::filesystem::copy_file(TARNWICK_UPDATER, folder / "twtb.dll");
+  HMODULE loaded = LoadLibraryExA((folder / "twtb.dll").string().c_str(), nullptr, DONT_RESOLVE_DLL_REFERENCES);
+  ASSERT_NE(loaded, nullptr);
+  EXPECT_TRUE(updater::ProgramFileInUse(folder / "twtb.dll"));
+  FreeLibrary(loaded);
   EXPECT_FALSE(updater::ProgramFileInUse(folder / "twtb.dll"));
 }
 #endif

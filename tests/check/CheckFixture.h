@@ -8,6 +8,7 @@
 
 #include "LoopbackServer.h"
 #include "PageFetchObject.h"
+#include "ZoneMap.h"
 #include "check/CheckURL.h"
 #include "common/TableResolver.h"
 #include "components/ComponentTest.h"
@@ -33,7 +34,8 @@ class CheckFixture : public ComponentTest {
     process.endpoints.server = server.Base();
     std::ofstream(process.paths.ProgramFolder() / "pagefetch.dll") << "component";
     process.http.Form_Load();
-    process.http.pageFetch = std::make_shared<pagefetch::PageFetchObject>([this] { return zones; });
+    process.http.pageFetch = std::make_shared<pagefetch::PageFetchObject>(
+        [this](std::string_view url) { return pagefetch::MapZone(url, zones); });
     process.XSS.SetXSSPatterns("<\\s*script\r\n\r\n\\bon(?:error|load)\\s*=\r\n\\balert\\s*\\(");
     checker.SetURLPatterns("^https?://[^/?#]*@\r\n\r\n^https?://(?:\\d{1,3}\\.){3}\\d{1,3}/.*login");
   }

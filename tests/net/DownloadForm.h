@@ -17,7 +17,8 @@ struct DownloadForm {
     options.ServerTimeout = serverTimeout;
     std::ofstream(paths.program / "pagefetch.dll") << "component";
     http.Form_Load();
-    http.pageFetch = std::make_shared<pagefetch::PageFetchObject>([] { return pagefetch::ZoneLists{}; });
+    // Every URL is in the Internet zone (3): these tests are about transfers.
+    http.pageFetch = std::make_shared<pagefetch::PageFetchObject>([](std::string_view) { return 3; });
   }
 
   TempDir dir;

@@ -4,6 +4,8 @@
 #pragma once
 
 #include <atomic>
+#include <condition_variable>
+#include <cstdint>
 #include <functional>
 #include <mutex>
 #include <string>
@@ -11,6 +13,9 @@
 #include <vector>
 
 namespace tarnwick::testing {
+
+// A socket of the platform (a descriptor on POSIX, a SOCKET on Windows).
+using SocketHandle = std::intptr_t;
 
 struct Request {
   std::string method;
@@ -47,13 +52,16 @@ class LoopbackServer {
 
  private:
   void AcceptLoop();
-  void Serve(int connection);
+  void Serve(SocketHandle connection);
+  // Waits `milliseconds` (forever when negative); true when the server is
+  // stopping.
+  bool PauseOrStop(int milliseconds);
 
   std::function<Reply(const Request&)> handler_;
-  int listener_ = -1;
-  int wake_[2] = {-1, -1};
+  SocketHandle listener_ = -1;
   int port_ = 0;
   std::atomic<bool> stopping_{false};
+  std::condition_variable stop_;
   std::mutex mutex_;
   std::vector<Request> requests_;
   std::vector<std::thread> workers_;
@@ -69,8 +77,8 @@ class SilentPort {
   std::string Base() const;
 
  private:
-  int listener_ = -1;
-  std::vector<int> fillers_;
+  SocketHandle listener_ = -1;
+  std::vector<SocketHandle> fillers_;
   int port_ = 0;
 };
 

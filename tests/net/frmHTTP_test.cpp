@@ -64,7 +64,11 @@ TEST_F(FrmHttpTest, APageArrivesWithItsHeadersAndTheAgent) {
   EXPECT_EQ(http.GetHeader("Last-Modified"), "Sun, 22 Nov 2026 10:00:00 GMT");
   EXPECT_EQ(http.GetHeader("last-modified"), "");  // names are case-sensitive
   EXPECT_EQ(http.GetHeader("X-Twice"), "first");   // the first match wins
-  EXPECT_EQ(http.GetHeader("X-Tight"), "acked");   // one character after the colon is skipped
+#ifdef _WIN32
+  EXPECT_EQ(http.GetHeader("X-Tight"), "packed");  // WinINet hands lines back as "Name: value"
+#else
+  EXPECT_EQ(http.GetHeader("X-Tight"), "acked");  // one character after the colon is skipped
+#endif
   EXPECT_EQ(http.GetHeader("HTTP/1.1 200 OK"), "");
   EXPECT_EQ(http.GetHeader("OK"), "");  // the status line is never searched
 
@@ -116,8 +120,12 @@ TEST_F(FrmHttpTest, TransportFailuresAreNumberedOutsideHttpStatuses) {
     port = std::stoi(closed.Base().substr(closed.Base().rfind(':') + 1));
   }
   Get("http://127.0.0.1:" + std::to_string(port) + "/");
-  EXPECT_EQ(http.HTTPStatus, 1007);  // 1000 + couldn't connect
-  EXPECT_NE(http.ResponseText.find("connect"), std::string::npos) << http.ResponseText;
+#ifdef _WIN32
+  EXPECT_EQ(http.HTTPStatus, 12029);  // WinINet's "cannot connect"
+#else
+  EXPECT_EQ(http.HTTPStatus, 1007);               // 1000 + libcurl's "couldn't connect"
+#endif
+  EXPECT_NE(http.ResponseText.find("onnect"), std::string::npos) << http.ResponseText;
 }
 
 TEST_F(FrmHttpTest, RefusedRequestsAndUnknownMethodsFailAtOnceWithMinusOne) {
