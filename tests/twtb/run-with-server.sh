@@ -7,7 +7,7 @@ set -u
 native=$1
 test_exe=$2
 cd "$(dirname "$0")/../.."
-[ -x "$native/bin/tarnwick-server" ] || { echo "needs $native/bin/tarnwick-server: build the default preset first" >&2; exit 1; }
+[ -x "$native/bin/tarnwick-server" ] || { echo "needs $native/bin/tarnwick-server: build the native preset it names first" >&2; exit 1; }
 . scripts/reference-server.sh
 scratch=$(mktemp -d)
 start_reference_server "$native" "$scratch" data/feeds/tarnwick-lines.txt || exit 1
