@@ -50,7 +50,7 @@ void TabBrowser::Navigate(const NavigateRequest& request) {
                       {"url", AnsiToUtf8(request.url)},
                       {"no_history", (request.flags & navNoHistory) != 0},
                       {"target_frame", AnsiToUtf8(request.targetFrame)},
-                      {"post_data", request.postData.empty() ? nlohmann::json() : EncodeBase64(postData)},
+                      {"post_data", request.postData.empty() ? nlohmann::json() : nlohmann::json(EncodeBase64(postData))},
                       {"headers", AnsiToUtf8(request.headers)}});
 }
 

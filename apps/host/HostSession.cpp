@@ -106,7 +106,10 @@ std::string Dump(const json& reply) { return reply.dump(-1, ' ', false, json::er
 HostSession::HostSession(Paths& paths, Clock& clock, Shell& shell, const SettingsStoreFactory& makeStore,
                          Endpoints endpoints)
     : process_(std::make_unique<ToolbarProcess>(HostPorts{paths, clock, ui_, dialog_, shell}, makeStore,
-                                                std::move(endpoints))) {}
+                                                std::move(endpoints))) {
+  // The options page may come before any tab.
+  process_->LoadOptions();
+}
 
 HostSession::~HostSession() {
   for (auto& [id, tab] : tabs_) {
@@ -153,7 +156,7 @@ json HostSession::Handle(const Message& message) {
     else if (type == "popup") reply = Popup(*tab, body);
     else if (type == "menu") reply = Menu(*tab, body);
     else if (type == "search") reply = Search(*tab, body);
-    else if (type == "strip") reply = {{"site", AnsiToUtf8(SiteOfURL(tab->browser.location))}};
+    else if (type == "strip") reply = SiteTrust(SiteOfURL(tab->browser.location));
     else if (type == "menus") reply = Menus();
     else if (type == "options") reply = Options(body);
     else if (type == "about") reply = About(body);
@@ -358,10 +361,16 @@ json HostSession::Trust(ExtensionTab& tab, const json& body) {
   } else {
     DistrustSite(store, url);
   }
-  const auto sites = TrustedSites(store);
+  return SiteTrust(site);
+}
+
+json HostSession::SiteTrust(const std::string& site) {
+  const auto sites = TrustedSites(*process_->settings);
   std::string list;
   for (const auto& entry : sites) list += entry + ";";
-  return {{"site", AnsiToUtf8(site)}, {"trusted", SiteListCovers(list, site)}, {"sites", SitesJson(sites)}};
+  return {{"site", AnsiToUtf8(site)},
+          {"trusted", !site.empty() && SiteListCovers(list, site)},
+          {"sites", SitesJson(sites)}};
 }
 
 json HostSession::Resource(const json& body) {

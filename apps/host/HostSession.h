@@ -55,6 +55,8 @@ class HostSession {
   nlohmann::json Trusted(const nlohmann::json& body);
   nlohmann::json Trust(ExtensionTab& tab, const nlohmann::json& body);
   nlohmann::json Resource(const nlohmann::json& body);
+  // The site, whether the person trusts it, and the whole list.
+  nlohmann::json SiteTrust(const std::string& site);
 
   ExtensionUi ui_;
   NoDownloadDialog dialog_;
