@@ -12,6 +12,7 @@ const HOST = 'com.tarnwick.toolbar';
 const RULESET = 'guard';
 const BLOCK_PAGE = chrome.runtime.getURL('phishingsite.html');
 const BLOCK_PAGE_ADDRESS = 'about:PhishingSite';
+const QUESTION_PAGE = chrome.runtime.getURL('check.html');
 // How long a new window waits for the page to say how it was opened.
 const OPENING_WAIT_MS = 150;
 // A context menu's "open in new tab" comes this long after the click at most.
@@ -252,9 +253,24 @@ async function verdict(tabId, url, openedBy) {
   const reply = await pending;
   if (reply.type === 'error') return { go: true, post, url, error: reply.error };
   await carryOut(tabId, reply);
-  if (reply.cancel) return { go: false, message: reply.message, post, url };
+  if (reply.cancel) {
+    // The tab now shows the question page, a page of its own: the band must
+    // not take a second try at the same address for a jump within a page.
+    await ask({ type: 'navigate', tab: tabId, url: QUESTION_PAGE });
+    return { go: false, message: reply.message, post, url };
+  }
   await allowOnce(tabId);
   return { go: true, post, url };
+}
+
+// Yes on the question page: the band hears the navigation again with the
+// person's answer, and the tab may go on once.
+async function agreed(tabId, url) {
+  const state = tab(tabId);
+  const post = state.post?.url === url ? postBytes(state.post.body) : null;
+  const reply = await ask({ type: 'navigate', tab: tabId, url, post_data: post, agreed: true });
+  if (reply.type !== 'error') await carryOut(tabId, reply);
+  await allowOnce(tabId);
 }
 
 chrome.webNavigation.onCommitted.addListener(async (details) => {
@@ -267,6 +283,17 @@ chrome.webNavigation.onCommitted.addListener(async (details) => {
   const reply = await ask({ type: 'complete', tab: details.tabId, url: details.url });
   await carryOut(details.tabId, reply);
 });
+
+// The permission ends with the first answer that is not a redirect: a
+// redirect's next address goes on under it (and is judged when it commits,
+// as the band judges where a redirect ended), anything after it is checked.
+chrome.webRequest.onHeadersReceived.addListener(
+  (details) => {
+    if (details.tabId < 0 || (details.statusCode >= 300 && details.statusCode < 400)) return;
+    endAllow(details.tabId, tabs.get(details.tabId)?.allowRule);
+  },
+  { urls: ['<all_urls>'], types: ['main_frame'] },
+);
 
 chrome.webNavigation.onErrorOccurred.addListener((details) => {
   if (details.frameId === 0 && isWeb(details.url)) endAllow(details.tabId, tabs.get(details.tabId)?.allowRule);
@@ -326,7 +353,7 @@ const handlers = {
   // check.html
   verdict: (message, sender) => verdict(sender.tab.id, message.url, sender.tab.openerTabId),
   allow: async (message, sender) => {
-    await allowOnce(sender.tab.id);
+    await agreed(sender.tab.id, message.url);
     return { ok: true };
   },
   // the content script

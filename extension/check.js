@@ -36,7 +36,7 @@ function ask(verdict) {
   $('question').hidden = false;
   $('no').focus();
   $('yes').addEventListener('click', async () => {
-    await chrome.runtime.sendMessage({ type: 'allow' });
+    await chrome.runtime.sendMessage({ type: 'allow', url: target });
     goOn(verdict.post);
   });
   $('no').addEventListener('click', () => {

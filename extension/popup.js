@@ -88,7 +88,11 @@ function showTrust(site, trusted) {
 }
 
 async function load() {
-  [{ id: tabId }] = await chrome.tabs.query({ active: true, currentWindow: true });
+  // From the toolbar button it shows the active tab; opened as a page of its
+  // own (popup.html?tab=ID) it shows the tab named.
+  const named = Number(new URLSearchParams(location.search).get('tab'));
+  if (named) tabId = named;
+  else [{ id: tabId }] = await chrome.tabs.query({ active: true, currentWindow: true });
   const state = await send({ type: 'popup', tab: tabId });
   if (state.down) {
     $('down').textContent = `Tarnwick Toolbar is off: ${state.down}. Nothing is blocked. ` +

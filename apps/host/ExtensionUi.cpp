@@ -11,7 +11,7 @@ constexpr int kButtons = 0xF;
 
 int ExtensionUi::MessageBox(std::string_view text, std::string_view title, int style) {
   const bool question = (style & kButtons) == vbYesNo;
-  if (question && title == kPageBlocked) return vbNo;
+  if (question && title == kPageBlocked) return agreed ? vbYes : vbNo;
   const int answer = question ? vbNo : vbOK;
   notices.push_back({std::string(title), std::string(text), style, answer});
   return answer;

@@ -3,7 +3,8 @@
 // extension with the reply to the message during which it came:
 // - the "Page Blocked" question is answered as the person has not (yet)
 //   agreed, No; the record carries its text, and the extension asks on its
-//   question page;
+//   question page; the message that brings the person's Yes from there
+//   answers it Yes;
 // - every other message becomes a notice the extension shows; a question
 //   among them is answered No.
 // Whether Ctrl is held comes with each message from the page.
@@ -36,6 +37,7 @@ class ExtensionUi final : public Ui {
   nlohmann::json TakeNotices();
 
   bool ctrlDown = false;
+  bool agreed = false;  // the person said Yes to the "Page Blocked" question
   int screenWidth = 1280;
   std::vector<Notice> notices;
 };

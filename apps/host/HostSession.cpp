@@ -141,6 +141,7 @@ std::string HostSession::Handle(std::string_view text) {
 json HostSession::Handle(const Message& message) {
   const json& body = message.body;
   ui_.ctrlDown = BoolMember(body, "ctrl");
+  ui_.agreed = BoolMember(body, "agreed");
   json reply;
   ExtensionTab* tab = nullptr;
   try {
