@@ -13,8 +13,11 @@ const RULESET = 'guard';
 const BLOCK_PAGE = chrome.runtime.getURL('phishingsite.html');
 const BLOCK_PAGE_ADDRESS = 'about:PhishingSite';
 const QUESTION_PAGE = chrome.runtime.getURL('check.html');
-// How long a new window waits for the page to say how it was opened.
-const OPENING_WAIT_MS = 150;
+// How long a new window waits for the page to say how it was opened (its
+// page waits on the question page meanwhile, so nothing is requested), and
+// how long such a report stays good.
+const OPENING_WAIT_MS = 500;
+const OPENING_KEPT_MS = 2000;
 // A context menu's "open in new tab" comes this long after the click at most.
 const CONTEXT_MENU_MS = 60000;
 // An allow rule left over from a navigation that never committed.
@@ -42,7 +45,10 @@ class TabState {
     this.post = null; // {url, formData, raw}: the post data of the last top-level request
     this.allowRule = 0; // the one-time allow rule of a navigation under way
     this.strip = null;
-    this.opening = null; // how the page last opened a window: {event_type, active_element, at, sticky}
+    // How the page opened its windows, oldest first: {event_type, active_element, at}.
+    this.openings = [];
+    this.late = []; // when windows were judged without a report, which will come late
+    this.contextMenu = null; // the last context menu on a link, for its "open in new tab"
     this.popupDecision = null; // for a new window: Promise<boolean>, allowed or not
     this.popupWaiters = [];
     this.committed = false;
@@ -316,12 +322,22 @@ function popupDecided(state) {
   }).then(() => state.popupDecision);
 }
 
+// Each window the page opens is reported once, in the order they open.
 function openingOf(source) {
-  const opening = source.opening;
-  if (!opening) return null;
-  if (!opening.sticky) source.opening = null;
-  if (opening.sticky && Date.now() - opening.at > CONTEXT_MENU_MS) return null;
-  return opening;
+  const now = Date.now();
+  source.openings = source.openings.filter((opening) => now - opening.at <= OPENING_KEPT_MS);
+  const opening = source.openings.shift();
+  if (opening) return opening;
+  if (source.contextMenu && now - source.contextMenu.at <= CONTEXT_MENU_MS) return source.contextMenu;
+  return null;
+}
+
+function reportOpening(state, opening) {
+  const now = Date.now();
+  state.late = state.late.filter((at) => now - at <= OPENING_KEPT_MS);
+  if (opening.event_type === 'contextmenu') state.contextMenu = opening;
+  else if (state.late.length) state.late.shift(); // its window was judged without it
+  else state.openings.push(opening);
 }
 
 chrome.webNavigation.onCreatedNavigationTarget.addListener((details) => {
@@ -333,6 +349,7 @@ chrome.webNavigation.onCreatedNavigationTarget.addListener((details) => {
       await new Promise((resolve) => setTimeout(resolve, 10));
       opening = openingOf(source);
     }
+    if (!opening) source.late.push(Date.now());
     const reply = await ask({
       type: 'popup',
       tab: details.sourceTabId,
@@ -362,12 +379,11 @@ const handlers = {
     return {};
   },
   opening: (message, sender) => {
-    tab(sender.tab.id).opening = {
+    reportOpening(tab(sender.tab.id), {
       event_type: message.event_type ?? null,
       active_element: Boolean(message.active_element),
-      sticky: message.event_type === 'contextmenu',
       at: Date.now(),
-    };
+    });
     return {};
   },
   document: async (message, sender) => {

@@ -78,9 +78,10 @@ export async function startSites() {
       return;
     }
     let body = `<h1>${host}${request.url}</h1><a id="next" href="http://news.test:${port}/next">next</a>`;
-    if (host === 'popup.test') {
-      body += `<button id="open" onclick="window.open('http://news.test:${port}/clicked')">Open</button>
-        <script>addEventListener('load', () => setTimeout(() => window.open('http://ads.test:${port}/'), 300));</script>`;
+    if (host === 'popup.test' && request.url === '/click') {
+      body += `<button id="open" onclick="window.open('http://news.test:${port}/clicked')">Open</button>`;
+    } else if (host === 'popup.test') {
+      body += `<script>addEventListener('load', () => setTimeout(() => window.open('http://ads.test:${port}/'), 300));</script>`;
     }
     response.writeHead(200, { 'content-type': 'text/html; charset=utf-8' });
     response.end(`<!doctype html><title>${host}${request.url}</title>${body}`);
