@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Builds and runs every test: the native build, the sanitizer build, and the
-# Windows build under Wine. Installs what it needs first.
+# Builds and runs every test: the native build (and the extension in
+# Chromium over it), the sanitizer build, and the Windows build under Wine.
+# Installs what it needs first.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -12,6 +13,10 @@ for preset in default asan; do
   cmake --preset "$preset" >/dev/null
   cmake --build --preset "$preset"
   ctest --preset "$preset"
+  if [ "$preset" = default ]; then
+    echo "=== browser tests (Chromium)"
+    bash scripts/browser-test.sh
+  fi
 done
 
 echo "=== windows build (tests under Wine)"

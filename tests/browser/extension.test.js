@@ -105,9 +105,9 @@ test('a benign site shows its rank and hosting country in the popup', { timeout:
   assert.equal(await popup.isVisible('#risk'), true);
   assert.equal(await popup.isVisible('#product-button'), true);
   assert.equal(await popup.isVisible('#client-button'), true);
+  await popup.screenshot({ path: join(shots, 'popup.png') });
   await popup.click('#product-button');
   assert.ok((await popup.$$eval('#product-menu button', (items) => items.map((item) => item.textContent))).includes('About...'));
-  await popup.screenshot({ path: join(shots, 'popup.png') });
   await popup.close();
   await page.close();
 });

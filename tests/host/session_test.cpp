@@ -86,6 +86,12 @@ TEST_F(HostTest, AListedSiteIsAQuestionForThePageAndARedirectToOneEndsOnTheBlock
   EXPECT_FALSE(reply.contains("notices"));  // the question is the page's, not a notice
   EXPECT_EQ(reply["strip"]["risk_rank"], 10);
   EXPECT_EQ(reply["actions"], json::array());
+  // The tab shows the question page; Yes there comes back as the person's answer.
+  EXPECT_FALSE(Navigate(1, "chrome-extension://" TARNWICK_EXTENSION_ID "/check.html")["cancel"].get<bool>());
+  reply = Send({{"type", "navigate"}, {"tab", 1}, {"url", "http://phish.example/signin"}, {"agreed", true}});
+  EXPECT_FALSE(reply["cancel"].get<bool>());
+  EXPECT_EQ(reply["answer"], "yes");
+  EXPECT_TRUE(Navigate(1, "http://phish.example/other")["cancel"].get<bool>());  // once
 
   EXPECT_FALSE(Navigate(1, "http://shop.example/")["cancel"].get<bool>());
   reply = Complete(1, "http://shop.example/cart/login.php");
