@@ -27,8 +27,8 @@ bool TabDocument::SetFieldValue(std::string_view form, std::string_view field, s
   auto* fields = Field(form, field);
   if (fields == nullptr) return false;
   fields->find(field)->second = std::string(value);
-  actions_.push_back({{"do", "fill"}, {"form", AnsiToUtf8(form)}, {"field", AnsiToUtf8(field)},
-                      {"value", AnsiToUtf8(value)}});
+  actions_.push_back(
+      {{"do", "fill"}, {"form", AnsiToUtf8(form)}, {"field", AnsiToUtf8(field)}, {"value", AnsiToUtf8(value)}});
   return true;
 }
 
@@ -46,12 +46,13 @@ void TabBrowser::Stop() { actions_.push_back({{"do", "stop"}}); }
 
 void TabBrowser::Navigate(const NavigateRequest& request) {
   const std::string postData(request.postData.begin(), request.postData.end());
-  actions_.push_back({{"do", "navigate"},
-                      {"url", AnsiToUtf8(request.url)},
-                      {"no_history", (request.flags & navNoHistory) != 0},
-                      {"target_frame", AnsiToUtf8(request.targetFrame)},
-                      {"post_data", request.postData.empty() ? nlohmann::json() : nlohmann::json(EncodeBase64(postData))},
-                      {"headers", AnsiToUtf8(request.headers)}});
+  actions_.push_back(
+      {{"do", "navigate"},
+       {"url", AnsiToUtf8(request.url)},
+       {"no_history", (request.flags & navNoHistory) != 0},
+       {"target_frame", AnsiToUtf8(request.targetFrame)},
+       {"post_data", request.postData.empty() ? nlohmann::json() : nlohmann::json(EncodeBase64(postData))},
+       {"headers", AnsiToUtf8(request.headers)}});
 }
 
 void TabBrowser::Arrive(const std::string& url) {

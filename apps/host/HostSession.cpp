@@ -147,23 +147,40 @@ json HostSession::Handle(const Message& message) {
   try {
     const std::string& type = message.type;
     if (message.tab && type != "close") tab = &Tab(*message.tab);
-    if (type == "hello") reply = Hello(body);
-    else if (type == "open") reply = Open(*tab);
-    else if (type == "close") reply = Close(*message.tab);
-    else if (type == "navigate") reply = Navigate(*tab, body);
-    else if (type == "complete") reply = Complete(*tab, body);
-    else if (type == "document") reply = DocumentLoaded(*tab, body);
-    else if (type == "submit") reply = Submit(*tab, body);
-    else if (type == "popup") reply = Popup(*tab, body);
-    else if (type == "menu") reply = Menu(*tab, body);
-    else if (type == "search") reply = Search(*tab, body);
-    else if (type == "strip") reply = SiteTrust(SiteOfURL(tab->browser.location));
-    else if (type == "menus") reply = Menus();
-    else if (type == "options") reply = Options(body);
-    else if (type == "about") reply = About(body);
-    else if (type == "trusted") reply = Trusted(body);
-    else if (type == "trust") reply = Trust(*tab, body);
-    else if (type == "resource") reply = Resource(body);
+    if (type == "hello")
+      reply = Hello(body);
+    else if (type == "open")
+      reply = Open(*tab);
+    else if (type == "close")
+      reply = Close(*message.tab);
+    else if (type == "navigate")
+      reply = Navigate(*tab, body);
+    else if (type == "complete")
+      reply = Complete(*tab, body);
+    else if (type == "document")
+      reply = DocumentLoaded(*tab, body);
+    else if (type == "submit")
+      reply = Submit(*tab, body);
+    else if (type == "popup")
+      reply = Popup(*tab, body);
+    else if (type == "menu")
+      reply = Menu(*tab, body);
+    else if (type == "search")
+      reply = Search(*tab, body);
+    else if (type == "strip")
+      reply = SiteTrust(SiteOfURL(tab->browser.location));
+    else if (type == "menus")
+      reply = Menus();
+    else if (type == "options")
+      reply = Options(body);
+    else if (type == "about")
+      reply = About(body);
+    else if (type == "trusted")
+      reply = Trusted(body);
+    else if (type == "trust")
+      reply = Trust(*tab, body);
+    else if (type == "resource")
+      reply = Resource(body);
   } catch (const std::exception& error) {
     ui_.notices.clear();
     if (tab != nullptr) tab->actions = json::array();
@@ -249,8 +266,8 @@ json HostSession::Submit(ExtensionTab& tab, const json& body) {
 json HostSession::Popup(ExtensionTab& tab, const json& body) {
   if (TabDocument* document = tab.browser.document ? &*tab.browser.document : nullptr) {
     const auto type = body.find("event_type");
-    document->eventType = type != body.end() && type->is_string() ? std::optional(Utf8ToAnsi(type->get<std::string>()))
-                                                                  : std::nullopt;
+    document->eventType =
+        type != body.end() && type->is_string() ? std::optional(Utf8ToAnsi(type->get<std::string>())) : std::nullopt;
     document->activeElement = BoolMember(body, "active_element");
   }
   bool cancel = false;
@@ -328,12 +345,9 @@ json HostSession::About(const json& body) {
   frmAbout form(*process_->settings, ui_, process_->shell);
   form.Form_Load();
   if (TextMember(body, "press") == "cmdSysInfo") form.cmdSysInfo_Click();
-  return {{"caption", AnsiToUtf8(form.Caption)},
-          {"title", AnsiToUtf8(form.lblTitle)},
-          {"version", AnsiToUtf8(form.lblVersion)},
-          {"description", AnsiToUtf8(form.lblDescription)},
-          {"disclaimer", AnsiToUtf8(form.lblDisclaimer)},
-          {"ok", AnsiToUtf8(form.cmdOK)},
+  return {{"caption", AnsiToUtf8(form.Caption)},          {"title", AnsiToUtf8(form.lblTitle)},
+          {"version", AnsiToUtf8(form.lblVersion)},       {"description", AnsiToUtf8(form.lblDescription)},
+          {"disclaimer", AnsiToUtf8(form.lblDisclaimer)}, {"ok", AnsiToUtf8(form.cmdOK)},
           {"sys_info", AnsiToUtf8(form.cmdSysInfo)}};
 }
 

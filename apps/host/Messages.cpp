@@ -13,10 +13,23 @@ struct TypeInfo {
 };
 
 constexpr std::array<TypeInfo, 17> kTypes{{
-    {"hello", false},  {"open", true},      {"close", true},   {"navigate", true}, {"complete", true},
-    {"document", true}, {"submit", true},   {"popup", true},   {"menu", true},     {"search", true},
-    {"strip", true},    {"menus", false},   {"options", false}, {"about", false},  {"trusted", false},
-    {"trust", true},    {"resource", false},
+    {"hello", false},
+    {"open", true},
+    {"close", true},
+    {"navigate", true},
+    {"complete", true},
+    {"document", true},
+    {"submit", true},
+    {"popup", true},
+    {"menu", true},
+    {"search", true},
+    {"strip", true},
+    {"menus", false},
+    {"options", false},
+    {"about", false},
+    {"trusted", false},
+    {"trust", true},
+    {"resource", false},
 }};
 
 const TypeInfo* Find(std::string_view type) {

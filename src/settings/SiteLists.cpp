@@ -82,7 +82,8 @@ bool SiteListCovers(std::string_view list, std::string_view site) {
 }
 
 std::vector<std::string> TrustedSites(SettingsStore& store) {
-  return SiteListEntries(ToText(mdlRegistry::GetSetting(store, mdlRegistry::kSettingsKey, kTrustedSites, std::string())));
+  return SiteListEntries(
+      ToText(mdlRegistry::GetSetting(store, mdlRegistry::kSettingsKey, kTrustedSites, std::string())));
 }
 
 bool SetTrustedSites(SettingsStore& store, const std::vector<std::string>& sites, std::string& error) {
@@ -109,9 +110,8 @@ bool TrustSite(SettingsStore& store, std::string_view url) {
 bool DistrustSite(SettingsStore& store, std::string_view url) {
   const std::string site = SiteOfURL(url);
   std::vector<std::string> sites = TrustedSites(store);
-  const auto kept = std::remove_if(sites.begin(), sites.end(), [&](const std::string& e) {
-    return !site.empty() && EntryCovers(e, site);
-  });
+  const auto kept = std::remove_if(sites.begin(), sites.end(),
+                                   [&](const std::string& e) { return !site.empty() && EntryCovers(e, site); });
   if (kept == sites.end()) return false;
   sites.erase(kept, sites.end());
   WriteList(store, sites);

@@ -80,9 +80,10 @@ TEST_F(HostTest, AListedSiteIsAQuestionForThePageAndARedirectToOneEndsOnTheBlock
   EXPECT_TRUE(reply["cancel"].get<bool>());
   EXPECT_EQ(reply["step"], "remote");
   EXPECT_EQ(reply["answer"], "no");  // the person has not agreed yet
-  EXPECT_THAT(reply["message"].get<std::string>(),
-              StartsWith("The page you are trying to visit has been blocked by the Tarnwick Toolbar because it is "
-                         "believed to be part of a fraudulent phishing attack.\r\n\r\nURL: http://phish.example/signin"));
+  EXPECT_THAT(
+      reply["message"].get<std::string>(),
+      StartsWith("The page you are trying to visit has been blocked by the Tarnwick Toolbar because it is "
+                 "believed to be part of a fraudulent phishing attack.\r\n\r\nURL: http://phish.example/signin"));
   EXPECT_FALSE(reply.contains("notices"));  // the question is the page's, not a notice
   EXPECT_EQ(reply["strip"]["risk_rank"], 10);
   EXPECT_EQ(reply["actions"], json::array());
@@ -118,7 +119,9 @@ TEST_F(HostTest, ABenignSiteShowsItsRankAndCountryAndCtrlLetsABlockedOneThrough)
 
 TEST_F(HostTest, APostCarryingAScriptIsAQuestion) {
   const json reply =
-      Send({{"type", "navigate"}, {"tab", 1}, {"url", "http://www.news.example/comment"},
+      Send({{"type", "navigate"},
+            {"tab", 1},
+            {"url", "http://www.news.example/comment"},
             {"post_data", "dGV4dD0lM0NzY3JpcHQlM0VhbGVydCgxKSUzQy9zY3JpcHQlM0U="}});  // text=<script>alert(1)</script>
   EXPECT_TRUE(reply["cancel"].get<bool>());
   EXPECT_EQ(reply["step"], "xss");
@@ -147,8 +150,7 @@ TEST_F(HostTest, TheReportFormIsFilledThroughThePageAndItsValuesSavedOnSubmit) {
   Complete(4, page);
   const json fields = {{"name", ""}, {"email", ""}, {"reason", ""}};
   const json reply = Send({{"type", "document"}, {"tab", 4}, {"url", page}, {"forms", {{"frmReportURL", fields}}}});
-  EXPECT_EQ(reply["actions"],
-            json::parse(R"([{"do":"fill","form":"frmReportURL","field":"name","value":"Alice"},
+  EXPECT_EQ(reply["actions"], json::parse(R"([{"do":"fill","form":"frmReportURL","field":"name","value":"Alice"},
                             {"do":"fill","form":"frmReportURL","field":"email","value":"alice@example.org"},
                             {"do":"focus","form":"frmReportURL","field":"reason"},
                             {"do":"watch_submit","form":"frmReportURL"}])"));
@@ -160,7 +162,9 @@ TEST_F(HostTest, TheReportFormIsFilledThroughThePageAndItsValuesSavedOnSubmit) {
   EXPECT_EQ(Send({{"type", "submit"}, {"tab", 4}, {"form", "other"}})["error"], "the page on show has no form other");
 
   // Any other page's forms are left alone.
-  EXPECT_EQ(Send({{"type", "document"}, {"tab", 5}, {"url", "http://www.news.example/"},
+  EXPECT_EQ(Send({{"type", "document"},
+                  {"tab", 5},
+                  {"url", "http://www.news.example/"},
                   {"forms", {{"frmReportURL", fields}}}})["actions"],
             json::array());
 }
@@ -169,7 +173,8 @@ TEST_F(HostTest, OptionsArePlayedBackOnTheModelAndOkWritesWhatTheNextCheckObeys)
   json reply = Send({{"type", "options"}});
   EXPECT_EQ(reply["caption"], "Tarnwick Toolbar Options");
   const auto& controls = reply["controls"];
-  const auto risk = std::find_if(controls.begin(), controls.end(), [](const json& c) { return c["id"] == "slOption(4)"; });
+  const auto risk =
+      std::find_if(controls.begin(), controls.end(), [](const json& c) { return c["id"] == "slOption(4)"; });
   ASSERT_NE(risk, controls.end());
   EXPECT_EQ((*risk)["setting"], "BlockAtRiskRank");
 
@@ -258,8 +263,8 @@ TEST_F(HostTest, BadMessagesAreAnsweredInTurnAndNothingIsLost) {
   host::WriteFrame(frames, R"({"id":1,"type":"hello"})");
   host::WriteFrame(frames, R"({"id":2,"type":"hello")");
   host::WriteFrame(frames, R"({"id":3,"type":"reboot"})");
-  const std::string huge = std::string(R"({"id":4,"type":"navigate","tab":1,"url":")") +
-                           std::string(host::kMaxIncomingBytes, 'a') + "\"}";
+  const std::string huge =
+      std::string(R"({"id":4,"type":"navigate","tab":1,"url":")") + std::string(host::kMaxIncomingBytes, 'a') + "\"}";
   const auto length = static_cast<std::uint32_t>(huge.size());
   frames.write(reinterpret_cast<const char*>(&length), 4);
   frames << huge;
