@@ -132,7 +132,8 @@ class Browse {
   Browse(BandHost& host, bool json) : host_(host), json_(json) {}
 
   void Emit(ordered_json report) {
-    if (report.contains("cancel") || report.contains("popup")) report["strip"] = SiteInformationJson(host_.band.strip());
+    if (report.contains("cancel") || report.contains("popup"))
+      report["strip"] = SiteInformationJson(host_.band.strip());
     if (json_) {
       std::cout << report.dump() << '\n';
     } else {
