@@ -23,6 +23,7 @@ function showStrip(strip) {
   for (const run of strip.runs ?? []) {
     if (run.kind === 'link') text.append(link(run.text, run.target));
     else if (run.kind === 'text') text.append(run.text);
+    else if (run.kind === 'country') text.append(country(run.target, run.text));
   }
   const rank = strip.risk_rank;
   $('risk').hidden = rank < 0;
@@ -34,10 +35,22 @@ function showStrip(strip) {
       window.close();
     };
   }
-  $('country').hidden = !strip.country;
-  $('flag').textContent = strip.country ?? '';
-  $('country-name').textContent = strip.country_name ?? '';
-  $('country').title = strip.country_name ?? '';
+}
+
+// The hosting country where the server's text names it: its flag (the
+// country code on a flag-shaped badge) and its name.
+function country(code, name) {
+  const place = document.createElement('span');
+  place.className = 'country';
+  place.title = name;
+  const flag = document.createElement('span');
+  flag.className = 'flag';
+  flag.textContent = code;
+  const label = document.createElement('span');
+  label.className = 'country-name';
+  label.textContent = name;
+  place.append(flag, ' ', label);
+  return place;
 }
 
 function fillMenu(list, entries, menu) {

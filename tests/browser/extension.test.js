@@ -90,7 +90,7 @@ test('a redirect that ends on a listed site is replaced by the block page, out o
   await page.close();
 });
 
-test('a benign site shows its rank and hosting country in the popup', { timeout: 30000 }, async () => {
+test('a benign site shows its rank and hosting country in the popup, whose menus run their commands', { timeout: 30000 }, async () => {
   const page = await openPage(sites.url('news.test', '/today'));
   await page.waitForFunction(() => document.title === 'news.test/today');
   const badge = await worker.evaluate(async (url) => {
@@ -100,15 +100,20 @@ test('a benign site shows its rank and hosting country in the popup', { timeout:
   assert.match(badge, /^([0-9]|10)$/);
 
   const popup = await popupFor(page);
-  assert.equal(await popup.textContent('#flag'), 'US');
-  assert.equal(await popup.textContent('#country-name'), 'United States');
+  assert.equal(await popup.textContent('#text .flag'), 'US');
+  assert.equal(await popup.textContent('#text .country-name'), 'United States');
   assert.equal(await popup.isVisible('#risk'), true);
   assert.equal(await popup.isVisible('#product-button'), true);
   assert.equal(await popup.isVisible('#client-button'), true);
   await popup.screenshot({ path: join(shots, 'popup.png') });
   await popup.click('#product-button');
-  assert.ok((await popup.$$eval('#product-menu button', (items) => items.map((item) => item.textContent))).includes('About...'));
-  await popup.close();
+  const [about] = await Promise.all([
+    context.waitForEvent('page'),
+    popup.click('#product-menu button:text-is("About...")'),
+  ]);
+  await about.waitForFunction(() => document.title === 'About Tarnwick Toolbar');
+  assert.equal(await about.textContent('#version'), 'Version 1.0.0 (20070813)');
+  await about.close();
   await page.close();
 });
 
@@ -165,7 +170,12 @@ test('the report form is filled in from the settings and its values saved on sub
   await page.fill('input[name=name]', 'Alice Example');
   await page.fill('input[name=email]', 'alice@example.org');
   await page.fill('textarea[name=reason]', 'It asked for my bank password');
-  await Promise.all([page.waitForNavigation(), page.click('form[name=frmReportURL] [type=submit]')]);
+  // The form is checked (with its post data) on the way, then sent.
+  await Promise.all([
+    page.waitForURL(`${reference.url}/report_url`),
+    page.click('form[name=frmReportURL] [type=submit]'),
+  ]);
+  assert.match(await page.textContent('body'), /Your report \(number \d+\) has been stored/);
   assert.match(scratch.settings(), /"AutoFillName"="Alice Example"/);
   assert.match(scratch.settings(), /"AutoFillEmail"="alice@example.org"/);
 
