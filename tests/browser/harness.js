@@ -130,12 +130,13 @@ export function hostEnvironment(scratch, serverUrl) {
   };
 }
 
-// Chromium on the scratch profile, with tarnwick-host installed for it;
-// `extension: false` gives the same browser without the extension.
-export async function launch(scratch, serverUrl, { extension = true } = {}) {
+// Chromium on the scratch profile, with tarnwick-host installed for it
+// (unless `installHost: false`); `extension: false` gives the same browser
+// without the extension.
+export async function launch(scratch, serverUrl, { extension = true, installHost = extension } = {}) {
   mkdirSync(scratch.profile, { recursive: true });
   const env = hostEnvironment(scratch, serverUrl);
-  if (extension) {
+  if (installHost) {
     execFileSync(join(build, 'bin/tarnwick-host'), ['--install', '--user-data-dir', scratch.profile], {
       env,
       stdio: 'ignore',
