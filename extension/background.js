@@ -366,10 +366,23 @@ chrome.webNavigation.onCreatedNavigationTarget.addListener((details) => {
 
 // --- messages from the extension's pages and the content script -----------
 
+// Only the question page as a tab's own page speaks for the tab's navigation:
+// the page is open to the web (a navigation must reach it), so a site could
+// frame it to earn its tab a pass.
+function fromQuestionPage(sender) {
+  if (sender.frameId !== 0 || !sender.tab || !sender.url?.startsWith(QUESTION_PAGE)) {
+    throw new Error('only the question page of a tab may ask this');
+  }
+}
+
 const handlers = {
   // check.html
-  verdict: (message, sender) => verdict(sender.tab.id, message.url, sender.tab.openerTabId),
+  verdict: (message, sender) => {
+    fromQuestionPage(sender);
+    return verdict(sender.tab.id, message.url, sender.tab.openerTabId);
+  },
   allow: async (message, sender) => {
+    fromQuestionPage(sender);
     await agreed(sender.tab.id, message.url);
     return { ok: true };
   },
@@ -431,7 +444,9 @@ const handlers = {
 chrome.runtime.onMessage.addListener((message, sender, sendResponse) => {
   const handler = handlers[message?.type];
   if (!handler) return false;
-  Promise.resolve(handler(message, sender)).then(sendResponse, (error) => sendResponse({ type: 'error', error: String(error) }));
+  Promise.resolve()
+    .then(() => handler(message, sender))
+    .then(sendResponse, (error) => sendResponse({ type: 'error', error: String(error) }));
   return true;
 });
 

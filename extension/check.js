@@ -5,6 +5,7 @@
 // on to the site once; No stays here.
 const target = location.hash.slice(1);
 const $ = (id) => document.getElementById(id);
+const WORKER_TRIES = 50;
 
 function goOn(post) {
   if (!post) {
@@ -31,6 +32,11 @@ function goOn(post) {
 }
 
 function ask(verdict) {
+  // Most navigations go on at once: the stylesheet is only fetched to ask.
+  const style = document.createElement('link');
+  style.rel = 'stylesheet';
+  style.href = 'style.css';
+  document.head.append(style);
   document.title = 'Page Blocked';
   $('message').textContent = verdict.message ?? '';
   $('question').hidden = false;
@@ -52,6 +58,20 @@ function back(event) {
   history.back();
 }
 
+// At the browser's start the page can come before the service worker
+// listens; it is asked again for a while, and a worker that never answers
+// blocks nothing.
+async function verdictFor(url) {
+  for (let attempt = 1; ; attempt++) {
+    try {
+      return await chrome.runtime.sendMessage({ type: 'verdict', url });
+    } catch (error) {
+      if (attempt === WORKER_TRIES) return { go: true, post: null };
+      await new Promise((resolve) => setTimeout(resolve, 100));
+    }
+  }
+}
+
 async function check() {
   $('back').addEventListener('click', back);
   $('sent-back').addEventListener('click', back);
@@ -60,7 +80,7 @@ async function check() {
     $('sent').hidden = false;
     return;
   }
-  const verdict = await chrome.runtime.sendMessage({ type: 'verdict', url: target });
+  const verdict = await verdictFor(target);
   if (!verdict || verdict.closed) return;
   if (verdict.go) goOn(verdict.post);
   else ask(verdict);

@@ -18,6 +18,7 @@ const here = dirname(fileURLToPath(import.meta.url));
 export const source = resolve(here, '../..');
 export const build = resolve(process.env.TARNWICK_BUILD_DIR ?? join(source, 'build/default'));
 export const extensionDir = join(source, 'extension');
+export const chromiumProgram = process.env.TARNWICK_CHROMIUM ?? '/usr/bin/chromium';
 export const extensionId = 'nafihmbbgljekiadjbdjfdaciliollhj';
 export const extensionUrl = (page) => `chrome-extension://${extensionId}/${page}`;
 
@@ -60,8 +61,11 @@ export async function startReferenceServer(scratch) {
   const child = spawn(server, ['serve', '--listen', '127.0.0.1:0', '--db', db, '--data', join(source, 'data')], {
     stdio: ['ignore', 'pipe', 'ignore'],
   });
+  // Never outlive the run, even one that fails half-way.
+  const stop = () => child.kill();
+  process.once('exit', stop);
   const url = await waitForLine(child, child.stdout);
-  return { url, stop: () => child.kill() };
+  return { url, stop };
 }
 
 // The test sites: each request is counted under its host name, so a test can
@@ -130,22 +134,28 @@ export function hostEnvironment(scratch, serverUrl) {
   };
 }
 
+// tarnwick-host set up for the scratch profile, as a person does with --install.
+export function installHost(scratch, env) {
+  execFileSync(join(build, 'bin/tarnwick-host'), ['--install', '--user-data-dir', scratch.profile], {
+    env,
+    stdio: 'ignore',
+  });
+}
+
+export const browserFlags = (extension) =>
+  extension ? chromiumFlags : chromiumFlags.filter((flag) => !flag.includes('extension'));
+
 // Chromium on the scratch profile, with tarnwick-host installed for it
-// (unless `installHost: false`); `extension: false` gives the same browser
+// (unless `withHost: false`); `extension: false` gives the same browser
 // without the extension.
-export async function launch(scratch, serverUrl, { extension = true, installHost = extension } = {}) {
+export async function launch(scratch, serverUrl, { extension = true, withHost = extension } = {}) {
   mkdirSync(scratch.profile, { recursive: true });
   const env = hostEnvironment(scratch, serverUrl);
-  if (installHost) {
-    execFileSync(join(build, 'bin/tarnwick-host'), ['--install', '--user-data-dir', scratch.profile], {
-      env,
-      stdio: 'ignore',
-    });
-  }
+  if (withHost) installHost(scratch, env);
   const context = await chromium.launchPersistentContext(scratch.profile, {
-    executablePath: process.env.TARNWICK_CHROMIUM ?? '/usr/bin/chromium',
+    executablePath: chromiumProgram,
     headless: false, // --headless=new is among the flags: the old headless mode has no extensions
-    args: extension ? chromiumFlags : chromiumFlags.filter((flag) => !flag.includes('extension')),
+    args: browserFlags(extension),
     ignoreDefaultArgs: ['--disable-extensions'],
     env,
     viewport: { width: 900, height: 640 },

@@ -13,7 +13,7 @@ let worker;
 before(async () => {
   scratch = harness.makeScratch();
   [reference, sites] = await Promise.all([harness.startReferenceServer(scratch.dir), harness.startSites()]);
-  ({ context, worker } = await harness.launch(scratch, reference.url, { installHost: false }));
+  ({ context, worker } = await harness.launch(scratch, reference.url, { withHost: false }));
   context.setDefaultTimeout(10000);
 });
 
