@@ -11,5 +11,8 @@ build=${TARNWICK_BUILD_DIR:-build/default}
 for needed in bin/tarnwick-host bin/tarnwick-server lib/tarnwick/pagefetch.dll; do
   [ -e "$build/$needed" ] || { echo "browser tests: $build/$needed is missing; build the default preset first" >&2; exit 2; }
 done
+[ -z "${TARNWICK_SCREENSHOTS:-}" ] || { mkdir -p "$TARNWICK_SCREENSHOTS" && TARNWICK_SCREENSHOTS=$(cd "$TARNWICK_SCREENSHOTS" && pwd) && export TARNWICK_SCREENSHOTS; }
+TARNWICK_BUILD_DIR=$(cd "$build" && pwd)
+export TARNWICK_BUILD_DIR
 cd tests/browser
 exec node --test --test-concurrency=1 "$@"

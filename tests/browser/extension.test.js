@@ -113,6 +113,7 @@ test('a benign site shows its rank and hosting country in the popup, whose menus
   ]);
   await about.waitForFunction(() => document.title === 'About Tarnwick Toolbar');
   assert.equal(await about.textContent('#version'), 'Version 1.0.0 (20070813)');
+  await about.screenshot({ path: join(shots, 'about.png') });
   await about.close();
   await page.close();
 });
