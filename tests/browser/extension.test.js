@@ -76,6 +76,22 @@ test('a listed site is a question before any request: No stays, Yes goes on once
   await page.close();
 });
 
+test('a form carrying a script is a question before it is sent; Yes sends it as it was', { timeout: 30000 }, async () => {
+  const page = await openPage(sites.url('news.test', '/form'));
+  await page.waitForURL(sites.url('news.test', '/form'));
+  await page.fill('textarea[name=text]', '<script>alert(document.cookie)</script>');
+  await page.click('#send');
+  await questionShown(page);
+  assert.match(await page.textContent('#message'), /script/i);
+  assert.equal(sites.posts.length, 0);
+
+  await Promise.all([page.waitForURL(sites.url('news.test', '/comment')), page.click('#yes')]);
+  assert.deepEqual(sites.posts, [
+    { host: 'news.test', path: '/comment', body: 'text=%3Cscript%3Ealert%28document.cookie%29%3C%2Fscript%3E' },
+  ]);
+  await page.close();
+});
+
 test('a redirect that ends on a listed site is replaced by the block page, out of the history', { timeout: 30000 }, async () => {
   const page = await openPage(sites.url('news.test', '/before'));
   await page.goto(sites.url('redirect.test', '/away')).catch(() => {});

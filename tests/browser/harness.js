@@ -72,6 +72,7 @@ export async function startReferenceServer(scratch) {
 // tell that a blocked site was never asked for anything.
 export async function startSites() {
   const counts = new Map();
+  const posts = [];
   const server = createServer((request, response) => {
     const host = (request.headers.host ?? '').replace(/:\d+$/, '');
     counts.set(host, (counts.get(host) ?? 0) + 1);
@@ -81,7 +82,22 @@ export async function startSites() {
       response.end();
       return;
     }
+    if (request.method === 'POST') {
+      let posted = '';
+      request.on('data', (chunk) => {
+        posted += chunk;
+      });
+      request.on('end', () => {
+        posts.push({ host, path: request.url, body: posted });
+        response.writeHead(200, { 'content-type': 'text/html; charset=utf-8' });
+        response.end(`<!doctype html><title>posted</title><h1>posted to ${host}${request.url}</h1>`);
+      });
+      return;
+    }
     let body = `<h1>${host}${request.url}</h1><a id="next" href="http://news.test:${port}/next">next</a>`;
+    if (request.url === '/form') {
+      body += `<form method="post" action="/comment"><textarea name="text"></textarea><button id="send">Send</button></form>`;
+    }
     if (host === 'popup.test' && request.url === '/click') {
       body += `<button id="open" onclick="window.open('http://news.test:${port}/clicked')">Open</button>`;
     } else if (host === 'popup.test') {
@@ -95,6 +111,7 @@ export async function startSites() {
   return {
     url: (host, path = '/') => `http://${host}:${port}${path}`,
     requests: (host) => counts.get(host) ?? 0,
+    posts, // {host, path, body} of each form sent
     stop: () => new Promise((done) => server.close(done)),
   };
 }
