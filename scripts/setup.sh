@@ -17,16 +17,29 @@ packages=(
   autoconf automake libtool
   # benchmarks
   wrk nginx-light python3
+  # the browser extension's tests in real Chromium
+  chromium nodejs
 )
 
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed' || missing+=("$p")
 done
+# Some builds of nodejs carry npm themselves; Debian's comes apart.
+command -v npm >/dev/null || missing+=(npm)
 
 if ((${#missing[@]})); then
   sudo_cmd=()
   [ "$(id -u)" -eq 0 ] || sudo_cmd=(sudo)
   "${sudo_cmd[@]}" apt-get update -qq
   DEBIAN_FRONTEND=noninteractive "${sudo_cmd[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}"
+fi
+
+# The browser tests drive Chromium with playwright-core, at the version the
+# lock file names.
+browser_tests="$(cd "$(dirname "$0")/../tests/browser" && pwd)"
+wanted=$(node -p "require('$browser_tests/package-lock.json').packages['node_modules/playwright-core'].version")
+present=$(node -p "require('$browser_tests/node_modules/playwright-core/package.json').version" 2>/dev/null || true)
+if [ "$wanted" != "$present" ]; then
+  npm ci --prefix "$browser_tests" --no-audit --no-fund --loglevel=error
 fi

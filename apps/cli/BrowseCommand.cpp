@@ -10,6 +10,7 @@
 
 #include "BandHost.h"
 #include "band/NavigationGuard.h"
+#include "band/RecordJson.h"
 #include "support/Text.h"
 #include "ui/MenuJson.h"
 
@@ -34,41 +35,6 @@ constexpr const char* kUsage =
     "  close                           the window closes (also at the end of the input)\n";
 
 ordered_json Text(std::string_view ansi) { return AnsiToUtf8(ansi); }
-
-ordered_json StripJson(const SiteInformation& strip) {
-  ordered_json runs = ordered_json::array();
-  for (const StripRun& run : strip.runs) {
-    const char* kind = run.kind == StripRun::Kind::Link      ? "link"
-                       : run.kind == StripRun::Kind::Country ? "country"
-                                                             : "text";
-    ordered_json item{{"kind", kind}, {"text", Text(run.text)}};
-    if (run.kind != StripRun::Kind::Text) item["target"] = Text(run.target);
-    runs.push_back(item);
-  }
-  return {{"text", Text(strip.text)},
-          {"risk_rank", strip.riskRank},
-          {"country", strip.countryCode.empty() ? ordered_json() : Text(strip.countryCode)},
-          {"country_name", strip.countryName.empty() ? ordered_json() : Text(strip.countryName)},
-          {"runs", runs}};
-}
-
-ordered_json NavigationJson(const char* event, const NavigationRecord& record) {
-  const CheckOutcome& outcome = record.outcome;
-  const char* notChecked = NotCheckedName(record.notChecked);
-  const char* step = CheckStepName(outcome.step);
-  return {{"event", event},
-          {"url", Text(record.url)},
-          {"not_checked", notChecked != nullptr ? ordered_json(notChecked) : ordered_json()},
-          {"checked", outcome.checked},
-          {"step", step != nullptr ? ordered_json(step) : ordered_json()},
-          {"message", outcome.message.empty() ? ordered_json() : Text(outcome.message)},
-          {"answer", outcome.answer == vbYes  ? ordered_json("yes")
-                     : outcome.answer == vbNo ? ordered_json("no")
-                                              : ordered_json()},
-          {"cancel", record.cancel},
-          {"block_page", record.blockPage},
-          {"risk_rank", record.riskRank}};
-}
 
 void PrintMenu(const ordered_json& entries, const std::string& indent) {
   for (const auto& entry : entries) {
@@ -166,7 +132,8 @@ class Browse {
   Browse(BandHost& host, bool json) : host_(host), json_(json) {}
 
   void Emit(ordered_json report) {
-    if (report.contains("cancel") || report.contains("popup")) report["strip"] = StripJson(host_.band.strip());
+    if (report.contains("cancel") || report.contains("popup"))
+      report["strip"] = SiteInformationJson(host_.band.strip());
     if (json_) {
       std::cout << report.dump() << '\n';
     } else {

@@ -1,0 +1,91 @@
+// The content script of every web page (top frame): it tells the service
+// worker what the band asks about the page (whether Ctrl is held, how a new
+// window was opened, the page's named forms) and carries out what the band
+// asks of the page (fill in and focus fields, watch a form's submission).
+// Password and file fields are never read.
+(() => {
+  if (window !== window.top) return;
+  const MAX_VALUE = 4096;
+  const send = (message) => chrome.runtime.sendMessage(message).catch(() => null);
+
+  let ctrl = false;
+  const setCtrl = (down) => {
+    if (down === ctrl) return;
+    ctrl = down;
+    send({ type: 'ctrl', down });
+  };
+  addEventListener('keydown', (event) => event.key === 'Control' && setCtrl(true), true);
+  addEventListener('keyup', (event) => event.key === 'Control' && setCtrl(false), true);
+  addEventListener('blur', () => setCtrl(false), true);
+
+  const activeElement = () => {
+    const active = document.activeElement;
+    return Boolean(active) && active !== document.body && active !== document.documentElement;
+  };
+  // window.open, as page.js reports it from the page's own world.
+  document.addEventListener('tarnwick-opening', (event) => {
+    let detail = {};
+    try {
+      detail = JSON.parse(event.detail);
+    } catch {
+      return;
+    }
+    send({ type: 'opening', event_type: detail.event_type ?? null, active_element: Boolean(detail.active_element) });
+  });
+  // Links and forms that open a window of their own, and the context menu's
+  // "open in new tab".
+  const opensWindow = (element) => {
+    const target = element?.closest?.('a[href], area[href], form')?.getAttribute('target');
+    return target && !['_self', '_top', '_parent'].includes(target.toLowerCase());
+  };
+  for (const type of ['click', 'auxclick', 'submit']) {
+    addEventListener(type, (event) => {
+      if (type === 'auxclick' || opensWindow(event.target)) {
+        send({ type: 'opening', event_type: event.isTrusted ? type : null, active_element: activeElement() });
+      }
+    }, true);
+  }
+  addEventListener('contextmenu', (event) => {
+    if (event.isTrusted && event.target.closest?.('a[href], area[href]')) {
+      send({ type: 'opening', event_type: 'contextmenu', active_element: activeElement() });
+    }
+  }, true);
+
+  const fieldsOf = (form) => {
+    const fields = {};
+    for (const element of form.elements) {
+      if (!element.name || ['password', 'file'].includes(element.type)) continue;
+      if ((element.type === 'checkbox' || element.type === 'radio') && !element.checked) continue;
+      fields[element.name] = String(element.value ?? '').slice(0, MAX_VALUE);
+    }
+    return fields;
+  };
+  const namedForms = () => {
+    const forms = {};
+    for (const form of document.forms) {
+      const name = form.getAttribute('name');
+      if (name && !(name in forms)) forms[name] = fieldsOf(form);
+    }
+    return forms;
+  };
+  const formNamed = (name) => [...document.forms].find((form) => form.getAttribute('name') === name);
+
+  const carryOut = (actions) => {
+    for (const action of actions ?? []) {
+      const form = formNamed(action.form);
+      const field = form?.elements.namedItem(action.field);
+      if (action.do === 'fill' && field) field.value = action.value;
+      else if (action.do === 'focus' && field) field.focus();
+      else if (action.do === 'watch_submit' && form) {
+        form.addEventListener('submit', () => send({ type: 'submit', form: action.form, fields: fieldsOf(form) }));
+      }
+    }
+  };
+
+  const describe = async () => {
+    const reply = await send({ type: 'document', url: location.href, forms: namedForms() });
+    carryOut(reply?.actions);
+  };
+  if (document.readyState === 'loading') document.addEventListener('DOMContentLoaded', describe, { once: true });
+  else describe();
+})();
