@@ -15,6 +15,14 @@ if(TARNWICK_SANITIZE)
                                                   -O1)
   target_link_options(tarnwick_flags INTERFACE -fsanitize=address,undefined)
 endif()
+if(TARNWICK_FUZZ)
+  # The code under test carries libFuzzer's coverage hooks and both
+  # sanitizers; the fuzz targets add libFuzzer itself (fuzz/CMakeLists.txt).
+  # OSS-Fuzz's optimisation and debug level: fast runs, stack traces with lines.
+  target_compile_options(tarnwick_flags INTERFACE -fsanitize=fuzzer-no-link,address,undefined
+                                                  -fno-sanitize-recover=all -fno-omit-frame-pointer -O1 -gline-tables-only)
+  target_link_options(tarnwick_flags INTERFACE -fsanitize=address,undefined)
+endif()
 if(WIN32)
   # Static runtime: the binaries import only system DLLs.
   target_link_options(tarnwick_flags INTERFACE -static -static-libgcc -static-libstdc++)
