@@ -2,8 +2,6 @@
 #include <iostream>
 
 #include "Cli.h"
-#include "band/ComponentFactory.h"
-#include "band/Components.h"
 #include "band/StartUp.h"
 #include "settings/Endpoints.h"
 
@@ -30,20 +28,13 @@ Host::Host(const std::string& serverFlag, int unattendedAnswer)
 bool Host::StartTransfers() {
   ToolbarProcess& process = *process_;
   RunUpdaterHousekeeping(process);
-  EnsureGUID(*process.settings);
-  process.LoadOptions();
-  process.http.Form_Load();
+  if (tarnwick::StartTransfers(process)) return true;
   if (!process.http.ComponentReady) {
     std::cerr << "tarnwick: no retrieval component in " << process.paths.ProgramFolder().string() << '\n';
-    return false;
-  }
-  process.http.pageFetch =
-      NewObject(process, process.paths.ProgramFolder() / kPageFetchComponent.file, kPageFetchComponent.progId);
-  if (!process.http.pageFetch) {
+  } else {
     std::cerr << "tarnwick: the retrieval component could not be created (see the log)\n";
-    return false;
   }
-  return true;
+  return false;
 }
 
 std::string TakeOption(std::vector<std::string>& args, const std::string& name) {

@@ -22,6 +22,10 @@ namespace {
 struct ExportedObject {
   ComponentContext context;  // outlives the object
   std::unique_ptr<Dispatcher> object = ExportedClass().create(context);
+  // The arguments of the call under way, kept from one call to the next so
+  // that their texts reuse what earlier calls allocated. An object serves
+  // one caller at a time, and no member calls back across the interface.
+  std::vector<Variant> arguments;
 };
 
 void Reply(const TarnwickReply& reply, const Variant& result, const Arguments& arguments,
@@ -40,10 +44,11 @@ int32_t Invoke(void* self, const char* member, size_t memberSize, const Tarnwick
   std::string error;
   long status = kErrComponent;
   try {
-    Dispatcher& object = *static_cast<ExportedObject*>(self)->object;
-    std::vector<Variant> values;
-    values.reserve(argCount);
-    for (size_t i = 0; i < argCount; ++i) values.push_back(VariantFromAbi(args[i]));
+    auto& exported = *static_cast<ExportedObject*>(self);
+    Dispatcher& object = *exported.object;
+    std::vector<Variant>& values = exported.arguments;
+    values.resize(argCount);
+    for (size_t i = 0; i < argCount; ++i) AssignFromAbi(values[i], args[i]);
     Arguments arguments(values);
     Variant result;
     const auto index = object.Find({member, memberSize});

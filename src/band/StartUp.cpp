@@ -1,6 +1,10 @@
 #include "band/StartUp.h"
 
+#include "band/BlockPage.h"
+#include "band/ComponentFactory.h"
+#include "band/Components.h"
 #include "support/Files.h"
+#include "support/RoutineError.h"
 
 namespace tarnwick {
 
@@ -10,6 +14,29 @@ void RunUpdaterHousekeeping(ToolbarProcess& process) {
   const bool started = process.shell.StartProgram(updater, {"/i"});
   process.log.WriteLog("(RunUpdaterHousekeeping) The program folder probe failed; " +
                        std::string(started ? "started " : "could not start ") + updater.string() + " /i");
+}
+
+void StartUpStep(Log& log, const std::function<void()>& step) {
+  try {
+    step();
+  } catch (const std::exception& error) {
+    log.DebugLog("(IObjectWithSite_SetSite) Passed over a failing step: " + DescribeError(error));
+  }
+}
+
+bool StartTransfers(ToolbarProcess& process) {
+  StartUpStep(process.log, [&] { EnsureGUID(*process.settings); });
+  StartUpStep(process.log, [&] { RegisterAboutURL(process); });
+  StartUpStep(process.log, [&] {
+    process.LoadOptions();
+    process.initialised = true;
+  });
+  StartUpStep(process.log, [&] { process.http.Form_Load(); });
+  StartUpStep(process.log, [&] {
+    process.http.pageFetch =
+        NewObject(process, process.paths.ProgramFolder() / kPageFetchComponent.file, kPageFetchComponent.progId);
+  });
+  return process.http.pageFetch != nullptr;
 }
 
 void RequestFileHashes(ToolbarProcess& process) {

@@ -3,7 +3,6 @@
 #include <cctype>
 #include <functional>
 
-#include "band/BlockPage.h"
 #include "band/ComponentFactory.h"
 #include "band/ComponentFailed.h"
 #include "band/Components.h"
@@ -17,16 +16,6 @@
 
 namespace tarnwick {
 namespace {
-
-// Runs one start-up step; a step that fails is passed over and the next one
-// runs, as the start-up asks.
-void Step(Log& log, const std::function<void()>& step) {
-  try {
-    step();
-  } catch (const std::exception& error) {
-    log.DebugLog("(IObjectWithSite_SetSite) Passed over a failing step: " + DescribeError(error));
-  }
-}
 
 // A form field as a browser posts it (application/x-www-form-urlencoded).
 std::string FormField(std::string_view name, std::string_view value) {
@@ -69,22 +58,12 @@ StartUpRecord ToolBar::IObjectWithSite_SetSite(BandSite* site) {
   // done.
   record.processStartUp = process_.openBands == 0;
   const auto processStep = [&](const std::function<void()>& step) {
-    if (record.processStartUp) Step(log, step);
+    if (record.processStartUp) StartUpStep(log, step);
   };
 
   processStep([&] { RunUpdaterHousekeeping(process_); });
-  Step(log, [&] { ConnectBrowser(); });
-  processStep([&] { EnsureGUID(*process_.settings); });
-  processStep([&] { RegisterAboutURL(process_); });
-  processStep([&] {
-    process_.LoadOptions();
-    process_.initialised = true;
-  });
-  processStep([&] { process_.http.Form_Load(); });
-  processStep([&] {
-    process_.http.pageFetch =
-        NewObject(process_, process_.paths.ProgramFolder() / kPageFetchComponent.file, kPageFetchComponent.progId);
-  });
+  StartUpStep(log, [&] { ConnectBrowser(); });
+  if (record.processStartUp) StartTransfers(process_);
   if (!process_.http.pageFetch) {
     ComponentFailed(kPageFetchComponent.name);
     record.failedComponent = kPageFetchComponent.name;
@@ -102,7 +81,7 @@ StartUpRecord ToolBar::IObjectWithSite_SetSite(BandSite* site) {
     process_.updates.UpdateToolbarDLL(false);
     record.updateCheckStatus = process_.updates.LastUpdateCheckStatus;
   });
-  Step(log, [&] { CreateToolbar(); });
+  StartUpStep(log, [&] { CreateToolbar(); });
   record.toolbarCreated = toolbarWindow_ != 0;
   if (!open_) {
     open_ = true;

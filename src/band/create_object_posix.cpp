@@ -19,7 +19,7 @@ struct ReplyCollector {
   std::vector<std::pair<std::size_t, Variant>> changed;
 
   static void SetResult(void* context, const TarnwickValue* value) {
-    static_cast<ReplyCollector*>(context)->result = VariantFromAbi(*value);
+    AssignFromAbi(static_cast<ReplyCollector*>(context)->result, *value);
   }
   static void SetArgument(void* context, std::size_t index, const TarnwickValue* value) {
     static_cast<ReplyCollector*>(context)->changed.emplace_back(index, VariantFromAbi(*value));
@@ -38,18 +38,18 @@ class LibraryObject final : public ComponentObject {
   LibraryObject& operator=(const LibraryObject&) = delete;
 
   long Invoke(std::string_view member, std::span<Variant> args, Variant& result, std::string& error) override {
-    std::vector<AbiValue> views;
-    views.reserve(args.size());
-    std::vector<TarnwickValue> values;
-    values.reserve(args.size());
-    for (const Variant& arg : args) values.push_back(views.emplace_back(arg).get());
-    result = std::monostate{};
+    // The views of the arguments keep their room from one call to the next,
+    // so a call that passes texts and numbers allocates nothing here. The
+    // object serves one caller at a time.
+    views_.clear();
+    values_.clear();
+    for (const Variant& arg : args) values_.push_back(views_.emplace_back(arg).get());
     ReplyCollector collector{result, error, {}};
     const TarnwickReply reply{&collector, &ReplyCollector::SetResult, &ReplyCollector::SetArgument,
                               &ReplyCollector::SetError};
     const long status =
-        object_.invoke(object_.self, member.data(), member.size(), values.data(), values.size(), &reply);
-    views.clear();
+        object_.invoke(object_.self, member.data(), member.size(), values_.data(), values_.size(), &reply);
+    if (status != kInvokeOk) result = std::monostate{};
     for (auto& [index, value] : collector.changed) {
       if (index < args.size()) args[index] = std::move(value);
     }
@@ -59,6 +59,8 @@ class LibraryObject final : public ComponentObject {
  private:
   std::unique_ptr<DynamicLibrary> library_;  // unloaded after the object is released
   TarnwickObject object_;
+  std::vector<AbiValue> views_;
+  std::vector<TarnwickValue> values_;
 };
 
 }  // namespace

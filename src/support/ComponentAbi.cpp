@@ -57,4 +57,12 @@ Variant VariantFromAbi(const TarnwickValue& value) {
   }
 }
 
+void AssignFromAbi(Variant& target, const TarnwickValue& value) {
+  if (auto* text = std::get_if<std::string>(&target); text != nullptr && value.kind == kTarnwickString) {
+    text->assign(value.bytes.data, value.bytes.size);
+    return;
+  }
+  target = VariantFromAbi(value);
+}
+
 }  // namespace tarnwick

@@ -72,6 +72,7 @@ class AbiValue {
  public:
   explicit AbiValue(const Variant& value);
   AbiValue(AbiValue&&) = default;
+  AbiValue& operator=(AbiValue&&) = default;
   AbiValue(const AbiValue&) = delete;
   AbiValue& operator=(const AbiValue&) = delete;
   const TarnwickValue& get() const { return view_; }
@@ -83,5 +84,8 @@ class AbiValue {
 
 // A copy of the value; an unknown kind gives an empty Variant.
 Variant VariantFromAbi(const TarnwickValue& value);
+// The same into `target`, reusing the text it already holds: calls made over
+// and over with texts of similar size then allocate nothing.
+void AssignFromAbi(Variant& target, const TarnwickValue& value);
 
 }  // namespace tarnwick
