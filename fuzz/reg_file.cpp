@@ -16,7 +16,7 @@ std::vector<std::pair<std::string, std::vector<Value>>> Values(const tarnwick::R
     const std::size_t end = std::min(text.find('\n', start), text.size());
     std::string_view line = text.substr(start, end - start);
     start = end + 1;
-    if (line.ends_with('\r')) line.remove_suffix(1);
+    while (line.ends_with('\r')) line.remove_suffix(1);
     if (line.size() < 2 || !line.starts_with('[') || !line.ends_with(']')) continue;
     const std::string path(line.substr(1, line.size() - 2));
     std::vector<Value> found;
