@@ -30,8 +30,8 @@ class CheckingSink final : public tarnwick::server::FeedSink {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace tarnwick::server;
   if (size == 0) return 0;
-  static constexpr FeedFormat kFormats[] = {FeedFormat::PhishtankCsv, FeedFormat::PhishtankJson,
-                                            FeedFormat::OpenPhish, FeedFormat::UrlhausCsv, FeedFormat::Lines};
+  static constexpr FeedFormat kFormats[] = {FeedFormat::PhishtankCsv, FeedFormat::PhishtankJson, FeedFormat::OpenPhish,
+                                            FeedFormat::UrlhausCsv, FeedFormat::Lines};
   CheckingSink sink;
   ReadFeed(kFormats[data[0] % 5], tarnwick::fuzz::AsText(data + 1, size - 1), sink);
   return 0;

@@ -1,6 +1,8 @@
-// Query strings and form bodies of requests to the server.
+// Percent escapes, and the query strings and form bodies of requests to the
+// server built on them.
 #include "FuzzSupport.h"
 #include "server/QueryString.h"
+#include "support/Hex.h"
 
 namespace {
 
@@ -20,6 +22,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   using namespace tarnwick;
   using namespace tarnwick::server;
   const std::string_view text = fuzz::AsText(data, size);
+  for (const bool plusIsSpace : {false, true}) {
+    const std::string decoded = PercentDecode(text, plusIsSpace);
+    if (decoded.size() > text.size()) fuzz::Broken("decoding never lengthens the text", text);
+    if (PercentDecode(EscapeAll(text), plusIsSpace) != text) fuzz::Broken("escaped bytes decode to themselves", text);
+  }
   for (const Params& params : {ParseQuery(text), ParseForm(text)}) {
     std::string escaped;
     for (const auto& [name, value] : params) {

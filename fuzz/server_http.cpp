@@ -2,7 +2,7 @@
 // given on the server's command line. Input: the first byte picks which.
 #include "FuzzSupport.h"
 #include "server/HttpDate.h"
-#include "server/HttpFront.h"
+#include "server/ListenAddress.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace tarnwick;

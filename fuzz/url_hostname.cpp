@@ -19,9 +19,7 @@ class NoLookups final : public tarnwick::Resolver {
   }
 };
 
-bool HostByte(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '-' || c == '.' || c == '%';
-}
+bool HostByte(char c) { return (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '-' || c == '.' || c == '%'; }
 
 }  // namespace
 

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Builds and runs every test: the native build, the sanitizer build, and the
-# Windows build under Wine. Installs what it needs first.
+# Builds and runs every test: the native build, the sanitizer build, the
+# fuzz targets over their seed corpora, and the Windows build under Wine.
+# Installs what it needs first.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -13,6 +14,9 @@ for preset in default asan; do
   cmake --build --preset "$preset"
   ctest --preset "$preset"
 done
+
+echo "=== fuzz targets (a few seconds each on its seed corpus)"
+bash scripts/fuzz.sh 3
 
 echo "=== windows build (tests under Wine)"
 bash scripts/build-pcre2-windows.sh
