@@ -25,6 +25,18 @@ if(TARNWICK_SANITIZE)
   endif()
   target_link_options(tarnwick_flags INTERFACE ${sanitizers})
 endif()
+if(TARNWICK_FUZZ)
+  # The code under test carries libFuzzer's coverage hooks and both
+  # sanitizers; the fuzz targets add libFuzzer itself (fuzz/CMakeLists.txt).
+  # OSS-Fuzz's optimisation and debug level: a quick build, fast runs, stack
+  # traces with lines. The library's own checks catch an index past the end
+  # of a string or vector that still lies inside its buffer, where
+  # AddressSanitizer sees nothing.
+  target_compile_options(tarnwick_flags INTERFACE -fsanitize=fuzzer-no-link,address,undefined
+                                                  -fno-sanitize-recover=all -fno-omit-frame-pointer -O1 -gline-tables-only
+                                                  -D_GLIBCXX_ASSERTIONS)
+  target_link_options(tarnwick_flags INTERFACE -fsanitize=address,undefined)
+endif()
 if(WIN32)
   # Static runtime: the binaries import only system DLLs.
   target_link_options(tarnwick_flags INTERFACE -static -static-libgcc -static-libstdc++)

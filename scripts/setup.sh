@@ -9,6 +9,8 @@ packages=(
   build-essential cmake ninja-build pkg-config git
   libgtest-dev libgmock-dev googletest libbenchmark-dev
   clang-format clang-tidy
+  # fuzz targets: clang with libFuzzer and the sanitizers' runtimes
+  clang libclang-rt-dev
   # libraries behind the components and the reference server
   libpcre2-dev libcurl4-openssl-dev libsqlite3-dev libpugixml-dev
   libmicrohttpd-dev libgeoip-dev geoip-database libsodium-dev nlohmann-json3-dev

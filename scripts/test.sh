@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Builds and runs every test: the native build with the sanitizers, the
-# extension in Chromium over that build's host, and the Windows build under Wine. Installs what it needs first. The native tests run
+# extension in Chromium over that build's host, each fuzz target for a few
+# seconds on its seed corpus, and the Windows build under Wine. Installs what it needs first. The native tests run
 # in the sanitizer build only: it finds more, and a second native build of
 # every test would cost CI a quarter of its time (`ctest --preset default`
 # runs the same tests on the optimised build). Every leg runs even when one
@@ -49,6 +50,7 @@ leg "packages" bash scripts/setup.sh
 leg "formatting" bash scripts/check-format.sh
 leg "native build and tests (sanitizers)" native
 leg "browser tests (Chromium)" env TARNWICK_BUILD_DIR=build/asan bash scripts/browser-test.sh
+leg "fuzz targets (3 s each)" bash scripts/fuzz.sh 3
 leg "windows build and tests (Wine)" windows
 
 echo "=== summary"

@@ -4,15 +4,16 @@
 
 #include <algorithm>
 
+#include "server/AddressText.h"
+
 namespace tarnwick::server {
 
 std::string ClientNetwork(std::string_view clientAddress) {
-  const std::string text(clientAddress);
-  in6_addr address{};
-  if (text.find(':') == std::string::npos || inet_pton(AF_INET6, text.c_str(), &address) != 1) return text;
-  std::fill(address.s6_addr + 8, address.s6_addr + 16, 0);
+  auto address = ReadIPv6Text(clientAddress);
+  if (!address) return std::string(clientAddress);
+  std::fill(address->s6_addr + 8, address->s6_addr + 16, 0);
   char network[INET6_ADDRSTRLEN] = {};
-  inet_ntop(AF_INET6, &address, network, sizeof network);
+  inet_ntop(AF_INET6, &*address, network, sizeof network);
   return std::string(network) + "/64";
 }
 

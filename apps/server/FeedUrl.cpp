@@ -2,6 +2,7 @@
 
 #include "server/HostNames.h"
 #include "server/TextLines.h"
+#include "support/Hex.h"
 #include "support/Text.h"
 
 namespace tarnwick::server {
@@ -49,9 +50,12 @@ std::optional<SiteUrl> ParseFeedUrl(std::string_view url, std::string& reason) {
     reason = "bad port";
     return std::nullopt;
   }
-  const auto at = authority.rfind('@');
-  const std::size_t hostStart = at == std::string_view::npos ? 0 : at + 1;
-  site.siteUrl = std::string(authority.substr(0, hostStart)) + LowerAscii(authority.substr(hostStart));
+  // The host as the host key reads it (escapes decoded, lower case), so
+  // that the page's pattern matches the URL a browser shows for it.
+  const std::string_view hostPart = HostPartOfAuthority(authority);
+  const std::size_t hostStart = static_cast<std::size_t>(hostPart.data() - authority.data());
+  site.siteUrl = std::string(authority.substr(0, hostStart)) + LowerAscii(PercentDecode(hostPart)) +
+                 std::string(authority.substr(hostStart + hostPart.size()));
   site.wholeSite = rest.empty() || rest == "/";
   // Browsers show the root's slash before a query: "http://h?q" is "http://h/?q".
   if (rest.empty() || rest.front() == '?') site.siteUrl += '/';

@@ -8,8 +8,9 @@
 namespace tarnwick::server {
 
 struct SiteUrl {
-  std::string host;        // lower case, without user part and port
-  std::string siteUrl;     // user part, host (lower case) and port, then path and query; no scheme, no fragment
+  std::string host;  // lower case, without user part and port
+  std::string
+      siteUrl;  // user part, host (escapes decoded, lower case) and port, then path and query; no scheme, no fragment
   bool wholeSite = false;  // the site's root ("/" or nothing, no query): the whole host is phishing
 };
 

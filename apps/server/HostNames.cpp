@@ -1,9 +1,8 @@
 #include "server/HostNames.h"
 
-#include <arpa/inet.h>
-
 #include <algorithm>
 
+#include "server/AddressText.h"
 #include "server/QueryString.h"
 #include "support/Text.h"
 
@@ -46,17 +45,18 @@ bool IsHostName(std::string_view host) {
 
 bool IsIpv6Literal(std::string_view host) {
   if (host.size() < 4 || host.front() != '[' || host.back() != ']') return false;
-  const std::string inner(host.substr(1, host.size() - 2));
-  in6_addr address{};
-  return inet_pton(AF_INET6, inner.c_str(), &address) == 1;
+  return ReadIPv6Text(host.substr(1, host.size() - 2)).has_value();
 }
 
 }  // namespace
 
+std::string_view HostPartOfAuthority(std::string_view authority) {
+  const std::string_view hostAndPort = HostAndPort(authority);
+  return hostAndPort.substr(0, PortColon(hostAndPort));
+}
+
 std::string HostOfAuthority(std::string_view authority) {
-  std::string_view hostAndPort = HostAndPort(authority);
-  const auto colon = PortColon(hostAndPort);
-  std::string host = LowerAscii(PercentDecode(hostAndPort.substr(0, colon)));
+  std::string host = LowerAscii(PercentDecode(HostPartOfAuthority(authority)));
   if (IsIpv6Literal(host)) return host;
   if (!host.empty() && host.back() == '.') host.pop_back();
   return IsHostName(host) ? host : std::string();
@@ -86,12 +86,7 @@ bool IsInternetHost(std::string_view host) {
          std::all_of(topLevel.begin(), topLevel.end(), [](char c) { return c >= 'a' && c <= 'z'; });
 }
 
-bool IsNumericHost(std::string_view host) {
-  if (IsIpv6Literal(host)) return true;
-  const std::string text(host);
-  in_addr address{};
-  return inet_aton(text.c_str(), &address) != 0;
-}
+bool IsNumericHost(std::string_view host) { return IsIpv6Literal(host) || ReadAnyIPv4Text(host); }
 
 bool IsPrivateAddress(std::uint32_t address) {
   const unsigned b1 = address >> 24, b2 = (address >> 16) & 0xFF, b3 = (address >> 8) & 0xFF;

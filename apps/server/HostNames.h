@@ -13,6 +13,9 @@ namespace tarnwick::server {
 inline constexpr std::size_t kMaxHostBytes = 253;
 inline constexpr std::size_t kMaxLabelBytes = 63;
 
+// The host part of "user@host:port" as it is written.
+std::string_view HostPartOfAuthority(std::string_view authority);
+
 // The host of "user@host:port" (the port and user part are optional); ""
 // when the authority holds no valid host: a name within the limits above
 // made of letters, digits, "-" and "_" (which some sites use), or an IPv6

@@ -11,6 +11,7 @@
 #include <charconv>
 #include <cstring>
 
+#include "server/AddressText.h"
 #include "support/Text.h"
 
 namespace tarnwick::server {
@@ -213,11 +214,13 @@ int OpenListeningSocket(const ListenAddress& address, std::string& error) {
   socklen_t length = 0;
   auto* v4 = reinterpret_cast<sockaddr_in*>(&storage);
   auto* v6 = reinterpret_cast<sockaddr_in6*>(&storage);
-  if (inet_pton(AF_INET, address.host.c_str(), &v4->sin_addr) == 1) {
+  if (const auto ipv4 = ReadIPv4Text(address.host)) {
+    v4->sin_addr = *ipv4;
     v4->sin_family = AF_INET;
     v4->sin_port = htons(address.port);
     length = sizeof *v4;
-  } else if (inet_pton(AF_INET6, address.host.c_str(), &v6->sin6_addr) == 1) {
+  } else if (const auto ipv6 = ReadIPv6Text(address.host)) {
+    v6->sin6_addr = *ipv6;
     v6->sin6_family = AF_INET6;
     v6->sin6_port = htons(address.port);
     length = sizeof *v6;
@@ -249,28 +252,6 @@ std::uint16_t BoundPort(int socket) {
 }
 
 }  // namespace
-
-std::optional<ListenAddress> ParseListenAddress(std::string_view text) {
-  const auto colon = text.rfind(':');
-  if (colon == std::string_view::npos || colon == 0) return std::nullopt;
-  std::string_view host = text.substr(0, colon);
-  const std::string_view port = text.substr(colon + 1);
-  if (host.front() == '[') {
-    if (host.size() < 3 || host.back() != ']') return std::nullopt;
-    host = host.substr(1, host.size() - 2);
-  } else if (host.find(':') != std::string_view::npos) {
-    return std::nullopt;
-  }
-  unsigned value = 0;
-  const auto [end, error] = std::from_chars(port.data(), port.data() + port.size(), value);
-  if (port.empty() || error != std::errc() || end != port.data() + port.size() || value > 65535) return std::nullopt;
-  return ListenAddress{std::string(host), static_cast<std::uint16_t>(value)};
-}
-
-std::string BaseAddress(const ListenAddress& address) {
-  const bool v6 = address.host.find(':') != std::string::npos;
-  return "http://" + (v6 ? "[" + address.host + "]" : address.host) + ":" + std::to_string(address.port);
-}
 
 HttpFront::HttpFront(HttpHandler handler, Reporter report, HttpLimits limits)
     : handler_(std::move(handler)), report_(std::move(report)), limits_(limits) {}

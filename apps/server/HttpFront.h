@@ -15,6 +15,7 @@
 #include <string_view>
 
 #include "server/HttpTypes.h"
+#include "server/ListenAddress.h"
 #include "server/RequestDeadlines.h"
 
 struct MHD_Daemon;
@@ -33,16 +34,6 @@ struct HttpLimits {
   unsigned maxConnections = 1024;
   unsigned maxConnectionsPerAddress = 64;  // more from one client address are closed at once
 };
-
-struct ListenAddress {
-  std::string host;  // IPv4 dotted or IPv6 without brackets
-  std::uint16_t port = 0;
-};
-
-// "127.0.0.1:8750" or "[::1]:0"; nothing when the text is not of that form.
-std::optional<ListenAddress> ParseListenAddress(std::string_view text);
-// "http://127.0.0.1:8750", "http://[::1]:8750": the form a client uses.
-std::string BaseAddress(const ListenAddress& address);
 
 class HttpFront {
  public:

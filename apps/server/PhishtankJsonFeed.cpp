@@ -15,6 +15,7 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 
+#include "server/AddressText.h"
 #include "server/FeedFormats.h"
 
 namespace tarnwick::server {
@@ -209,10 +210,8 @@ class EntryCollector final : public nlohmann::json_sax<Json> {
   }
 
   void Address(const std::string& text) {
-    in_addr address{};
-    if (addresses_.size() < kMaxAddressesPerRow && inet_pton(AF_INET, text.c_str(), &address) == 1) {
-      addresses_.push_back(ntohl(address.s_addr));
-    }
+    if (addresses_.size() >= kMaxAddressesPerRow) return;
+    if (const auto address = ReadIPv4Text(text)) addresses_.push_back(ntohl(address->s_addr));
   }
 
   void EndEntry() {

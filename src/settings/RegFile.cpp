@@ -171,7 +171,10 @@ RegFile RegFile::Parse(std::string_view content) {
     std::size_t end = content.find('\n', start);
     if (end == std::string_view::npos) end = content.size();
     std::string_view line = content.substr(start, end - start);
-    if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
+    // Every CR before the LF belongs to the line break: a file converted to
+    // CR LF twice ends its lines in CR CR LF, and a CR left on a line would
+    // make it unreadable now and read differently once written back.
+    while (!line.empty() && line.back() == '\r') line.remove_suffix(1);
     start = end + 1;
 
     if (line.size() >= 2 && line.front() == '[' && line.back() == ']') {

@@ -173,6 +173,20 @@ TEST_F(ImportTest, UrlListsAndUrlhausCsv) {
             (std::set<std::string>{"a.example/x", "b.example/y?z=1", "f.example/a", "h.example/bin.exe"}));
 }
 
+TEST_F(ImportTest, HostsAreStoredAsTheHostKeyReadsThemAndANulEndsNoHost) {
+  // A page is kept under its host decoded and in lower case, so that its
+  // pattern matches the URL a browser shows; an escaped NUL inside an
+  // address makes it no address at all, not the part before the NUL.
+  Import(FeedFormat::OpenPhish,
+         "http://%41.Example/login\nhttp://u%40@%62.example:8080/x\nhttp://[2001:db8::1%00.evil.example]/x\n");
+  EXPECT_EQ(recorder.rejections, (std::vector<std::string>{"line 3: no valid host name"}));
+  Import(FeedFormat::PhishtankJson, R"([{"url":"http://c.example/","details":[{"ip_address":"203.0.113.9\u0000x"},
+                                                                            {"ip_address":"203.0.113.10"}]}])");
+  const Contents stored = Stored();
+  EXPECT_EQ(stored.pages, (std::set<std::string>{"a.example/login", "u%40@b.example:8080/x"}));
+  EXPECT_EQ(stored.addresses, (std::set<std::string>{"3405803786 c.example"}));
+}
+
 TEST_F(ImportTest, ImportingAgainAddsNothingAndEveryBatchIsReported) {
   const std::string feed =
       "http://a.example/1\nhttp://a.example/2\nhttps://a.example/1\nhttp://A.EXAMPLE/2\nb.example\n";

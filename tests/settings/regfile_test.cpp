@@ -64,6 +64,20 @@ TEST(RegFile, DamagedLinesAreKeptInPlaceAndGoodValuesSurvive) {
   EXPECT_EQ(RegFile::Parse(rewritten).FindValue(kKey, "ServerTimeout")->data, "5");
 }
 
+TEST(RegFile, AnyRunOfCarriageReturnsEndsALine) {
+  // A file converted to CR LF twice: its values read, and what cannot be
+  // read reads the same once written back.
+  const RegFile file = RegFile::Parse("REGEDIT4\r\r\n\r\r\n["s + kKey +
+                                      "]\r\r\n\"Debug\"=\"1\"\r\r\njunk\r\r\n[HKEY_CURRENT_USER\\Other]\r\r\r\n");
+  ASSERT_NE(file.FindValue(kKey, "Debug"), nullptr);
+  EXPECT_EQ(file.FindValue(kKey, "Debug")->data, "1");
+  EXPECT_TRUE(file.HasKey("HKEY_CURRENT_USER\\Other"));
+  EXPECT_EQ(file.UnreadableLines(), std::vector<std::string>{"junk"});
+  const RegFile again = RegFile::Parse(file.Serialize());
+  EXPECT_EQ(again.UnreadableLines(), file.UnreadableLines());
+  EXPECT_EQ(again.Serialize(), file.Serialize());
+}
+
 TEST(RegFile, KeysExistAboveTheirSectionsAndCompareWithoutCase) {
   RegFile file;
   file.AddKey(kKey);
