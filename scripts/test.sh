@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
 # Builds and runs every test: the native build with the sanitizers, the
 # extension in Chromium over that build's host, each fuzz target for a few
-# seconds on its seed corpus, and the Windows build under Wine. Installs what it needs first. The native tests run
-# in the sanitizer build only: it finds more, and a second native build of
-# every test would cost CI a quarter of its time (`ctest --preset default`
-# runs the same tests on the optimised build). Every leg runs even when one
-# before it failed, and a table of the legs, their outcome and their time
-# closes the run.
+# seconds on its seed corpus, and the Windows build under Wine. Installs what
+# it needs first. The native tests run in the sanitizer build only: it finds
+# more, and a second native build of every test would cost CI a quarter of its
+# time (`ctest --preset default` runs the same tests on the optimised build).
+# Every leg runs even when one before it failed, and a table of the legs, their
+# outcome and their time closes the run.
 set -uo pipefail
 cd "$(dirname "$0")/.." || exit
 

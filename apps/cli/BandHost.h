@@ -12,10 +12,10 @@
 
 #include "Cli.h"
 #include "band/BandSite.h"
-#include "band/BandWindows.h"
 #include "band/Browser.h"
 #include "band/SiteInformation.h"
 #include "band/ToolBar.h"
+#include "band/WindowlessBandWindows.h"
 
 namespace tarnwick::cli {
 
@@ -67,28 +67,11 @@ class ScriptedBrowser final : public Browser, public BandSite {
   int height = 600;
 };
 
-// Window handles handed out in order; a menu's choice comes from the script,
-// and what the menus and dialogs showed is kept for the report.
-class TextBandWindows final : public BandWindows {
+// A menu's choice comes from the script, and what the menus and dialogs
+// showed is kept for the report.
+class TextBandWindows final : public WindowlessBandWindows {
  public:
-  WindowHandle CreateMessageWindow() override { return ++last_; }
-  WindowHandle CreateToolbarWindow(WindowHandle) override { return ++last_; }
-  WindowHandle CreateProductMenuWindow(WindowHandle) override { return ++last_; }
-  WindowHandle CreateClientMenuWindow(WindowHandle, int) override { return ++last_; }
-  void SetIndent(WindowHandle, int) override {}
-  bool AddToolbarIcons(WindowHandle, std::string&) override { return true; }
-  void AddButtons(WindowHandle, bool) override {}
-  int ButtonRight(WindowHandle, int) override { return 0; }
-  WindowHandle CreateTextWindow(WindowHandle, int, int) override { return ++last_; }
-  SearchBoxWindows CreateSearchBox(WindowHandle) override { return {++last_, ++last_}; }
-  void Subclass(WindowHandle) override {}
-  void Unsubclass(WindowHandle) override {}
-  void Destroy(WindowHandle) override {}
-  void Show(WindowHandle, bool) override {}
-  void AutoSize(WindowHandle) override {}
-  void ShowSiteInformation(WindowHandle, const SiteInformation&) override {}
   int Popup(WindowHandle, const cPopupMenu& menu) override;
-  void RedrawButton(WindowHandle, bool) override {}
   void OpenAbout(frmAbout& form) override;
   // A script cannot fill in the form: it is shown and closed unchanged.
   void OpenOptions(frmOptions& form) override;
@@ -97,9 +80,6 @@ class TextBandWindows final : public BandWindows {
   int choice = 0;  // the item the next menu's person chooses
   const cPopupMenu* popped = nullptr;
   std::vector<std::string> shown;  // what the dialogs showed, a line each
-
- private:
-  WindowHandle last_ = 0;
 };
 
 // A band over the command line's process, browser and windows.

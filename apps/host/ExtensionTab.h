@@ -12,9 +12,9 @@
 #include <nlohmann/json.hpp>
 
 #include "band/BandSite.h"
-#include "band/BandWindows.h"
 #include "band/Browser.h"
 #include "band/ToolBar.h"
+#include "band/WindowlessBandWindows.h"
 
 namespace tarnwick::host {
 
@@ -74,31 +74,13 @@ class TabBrowser final : public Browser, public BandSite {
   nlohmann::json& actions_;
 };
 
-class TabWindows final : public BandWindows {
+class TabWindows final : public WindowlessBandWindows {
  public:
   explicit TabWindows(nlohmann::json& actions) : actions_(actions) {}
 
-  WindowHandle CreateMessageWindow() override { return ++last_; }
-  WindowHandle CreateToolbarWindow(WindowHandle) override { return ++last_; }
-  WindowHandle CreateProductMenuWindow(WindowHandle) override { return ++last_; }
-  WindowHandle CreateClientMenuWindow(WindowHandle, int) override { return ++last_; }
-  void SetIndent(WindowHandle, int) override {}
-  bool AddToolbarIcons(WindowHandle, std::string&) override { return true; }
-  void AddButtons(WindowHandle, bool) override {}
-  int ButtonRight(WindowHandle, int) override { return 0; }
-  WindowHandle CreateTextWindow(WindowHandle, int, int) override { return ++last_; }
-  SearchBoxWindows CreateSearchBox(WindowHandle) override { return {++last_, ++last_}; }
-  void Subclass(WindowHandle) override {}
-  void Unsubclass(WindowHandle) override {}
-  void Destroy(WindowHandle) override {}
-  void Show(WindowHandle, bool) override {}
-  void AutoSize(WindowHandle) override {}
-  // The strip goes with every reply about the tab.
-  void ShowSiteInformation(WindowHandle, const SiteInformation&) override {}
   // The popup showed the menu already: the person's choice came with the
   // message.
   int Popup(WindowHandle, const cPopupMenu&) override { return choice; }
-  void RedrawButton(WindowHandle, bool) override {}
   // The dialogs are pages of the extension with forms of their own.
   void OpenAbout(frmAbout&) override;
   void OpenOptions(frmOptions&) override;
@@ -108,7 +90,6 @@ class TabWindows final : public BandWindows {
 
  private:
   nlohmann::json& actions_;
-  WindowHandle last_ = 0;
 };
 
 // A tab's band with its browser and windows.
