@@ -5,7 +5,8 @@ target_compile_options(tarnwick_flags INTERFACE -Wall -Wextra -Wpedantic -Wshado
 # are inlined deeply enough (its bug 105329 and kin), which optimisation, the
 # sanitizers and precompiled headers each bring about.
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
-  target_compile_options(tarnwick_flags INTERFACE -Wno-restrict -Wno-array-bounds -Wno-stringop-overflow)
+  target_compile_options(tarnwick_flags INTERFACE -Wno-restrict -Wno-array-bounds -Wno-stringop-overflow
+                                                  -Wno-stringop-overread)
 endif()
 if(TARNWICK_WERROR)
   target_compile_options(tarnwick_flags INTERFACE -Werror)
