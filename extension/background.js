@@ -7,6 +7,9 @@
 // request is seen here first (webRequest, with its post data) and the host
 // is asked at once; check.html then asks for the verdict, and either the tab
 // gets a one-time allow rule and goes on, or the question page stays.
+// A navigation the page starts itself is quicker: the content script holds
+// it back and asks first, and when it may go, a rule lets exactly that
+// address through, so it goes straight to the site (see judgeAhead).
 
 const HOST = 'com.tarnwick.toolbar';
 const RULESET = 'guard';
@@ -22,6 +25,10 @@ const OPENING_KEPT_MS = 2000;
 const CONTEXT_MENU_MS = 60000;
 // An allow rule left over from a navigation that never committed.
 const ALLOW_RULE_MS = 60000;
+// How long a verdict asked for ahead of its request is kept for it.
+const PENDING_KEPT_MS = 10000;
+// Longer addresses go by way of the question page rather than into a rule.
+const MAX_EXACT_URL = 8192;
 
 let port = null;
 let hostDown = null; // why the host cannot be reached; null while it can
@@ -41,9 +48,12 @@ const resources = new Map();
 
 class TabState {
   constructor() {
-    this.pending = null; // {url, reply}: the check asked for when the request started
+    this.pending = null; // {url, reply, at}: the check asked for ahead of or as the request started
     this.post = null; // {url, formData, raw}: the post data of the last top-level request
     this.allowRule = 0; // the one-time allow rule of a navigation under way
+    this.allowedUrl = null; // the one address it lets through, or null for any
+    this.allowing = null; // the rule's update, under way or done
+    this.redirectedTo = null; // where a navigation let through for one address was sent on
     this.strip = null;
     // How the page opened its windows, oldest first: {event_type, active_element, at}.
     this.openings = [];
@@ -213,34 +223,97 @@ chrome.webRequest.onBeforeRequest.addListener(
   (details) => {
     if (details.tabId < 0 || hostDown || !isWeb(details.url)) return;
     const state = tab(details.tabId);
-    if (state.allowRule) return; // the navigation the person or the host let go
+    if (lets(state, details.url)) return; // the navigation the person or the host let go
+    if (state.redirectedTo === details.url) return; // judged where it ends, as any redirect
     state.post = details.method === 'POST' ? { url: details.url, body: details.requestBody } : null;
+    if (judgedAhead(state, details.url)) return;
     state.pending = {
       url: details.url,
       reply: ask({ type: 'navigate', tab: details.tabId, url: details.url, post_data: postBytes(state.post?.body) }),
+      at: Date.now(),
     };
   },
   { urls: ['<all_urls>'], types: ['main_frame'] },
   ['requestBody'],
 );
 
-async function allowOnce(tabId) {
+// A redirect of a navigation let through for its one address: the next
+// address comes to the question page, which lets it go on unasked.
+chrome.webRequest.onBeforeRedirect.addListener(
+  (details) => {
+    const state = tabs.get(details.tabId);
+    if (state?.allowRule && state.allowedUrl) state.redirectedTo = details.redirectUrl;
+  },
+  { urls: ['<all_urls>'], types: ['main_frame'] },
+);
+
+function withoutFragment(url) {
+  const hash = url.indexOf('#');
+  return hash < 0 ? url : url.slice(0, hash);
+}
+
+function lets(state, url) {
+  if (!state.allowRule) return false;
+  return state.allowedUrl === null || withoutFragment(state.allowedUrl) === withoutFragment(url);
+}
+
+function judgedAhead(state, url) {
+  return state.pending?.url === url && Date.now() - state.pending.at < PENDING_KEPT_MS;
+}
+
+// Only an address the rule language can state exactly is let through alone:
+// the filter's own wildcards must not widen it. The rules see the fragment.
+function exactFilter(url) {
+  return url.length > MAX_EXACT_URL || /[*^|]/.test(url) ? null : `|${url}|`;
+}
+
+// A navigation the page holds back until the band has judged it (content.js
+// starts it again once this answers). When it may go, a rule lets that one
+// address through, so it is requested straight from the page; otherwise it
+// meets the question page, which takes the verdict kept here.
+async function judgeAhead(tabId, url) {
+  if (hostDown || !isWeb(url) || !exactFilter(url)) return {};
   const state = tab(tabId);
-  if (state.allowRule) return;
-  state.allowRule = -1;
+  // The page has gone on to another address: what it was let through to before is void.
+  if (state.allowedUrl) endAllow(tabId, state.allowRule);
+  const pending = { url, reply: ask({ type: 'navigate', tab: tabId, url }), at: Date.now() };
+  state.pending = pending;
+  const reply = await pending.reply;
+  if (state.pending !== pending || reply.type === 'error' || reply.cancel) return {};
+  await carryOut(tabId, reply);
+  // Refused, the rule leaves the navigation to the question page, which
+  // takes the verdict kept for it.
+  await allowOnce(tabId, url).then(() => {
+    if (state.pending === pending) state.pending = null;
+  }, () => endAllow(tabId, state.allowRule));
+  return {};
+}
+
+// Lets the tab's next navigation past the guard rule: any address (from the
+// question page, whose redirects must follow it) or only `url`, so that the
+// page cannot put another address in its place meanwhile.
+async function allowOnce(tabId, url = null) {
   await rulesCleared;
+  const state = tab(tabId);
+  if (state.allowRule && state.allowedUrl === url) return state.allowing;
+  const replaced = state.allowRule;
   const id = nextRuleId++;
+  const condition = { tabIds: [tabId], resourceTypes: ['main_frame'] };
+  if (url) Object.assign(condition, { urlFilter: exactFilter(url), isUrlFilterCaseSensitive: true });
   state.allowRule = id;
-  await chrome.declarativeNetRequest.updateSessionRules({
-    addRules: [{ id, priority: 2, action: { type: 'allow' }, condition: { tabIds: [tabId], resourceTypes: ['main_frame'] } }],
+  state.allowedUrl = url;
+  state.allowing = chrome.declarativeNetRequest.updateSessionRules({
+    removeRuleIds: replaced ? [replaced] : [],
+    addRules: [{ id, priority: 2, action: { type: 'allow' }, condition }],
   });
   setTimeout(() => endAllow(tabId, id), ALLOW_RULE_MS);
+  return state.allowing;
 }
 
 function endAllow(tabId, id) {
   const state = tabs.get(tabId);
   if (!id || (state && state.allowRule !== id)) return;
-  if (state) state.allowRule = 0;
+  if (state) Object.assign(state, { allowRule: 0, allowedUrl: null, allowing: null, redirectedTo: null });
   chrome.declarativeNetRequest.updateSessionRules({ removeRuleIds: [id] }).catch(() => {});
 }
 
@@ -253,7 +326,12 @@ async function verdict(tabId, url, openedBy) {
     if (allowed === false) return { closed: true };
   }
   const post = state.post?.url === url ? state.post.body?.formData ?? null : null;
-  let pending = state.pending?.url === url ? state.pending.reply : null;
+  if (state.redirectedTo === url) {
+    state.redirectedTo = null;
+    await allowOnce(tabId);
+    return { go: true, post, url };
+  }
+  let pending = judgedAhead(state, url) ? state.pending.reply : null;
   state.pending = null;
   if (!pending) pending = ask({ type: 'navigate', tab: tabId, url });
   const reply = await pending;
@@ -387,6 +465,7 @@ const handlers = {
     return { ok: true };
   },
   // the content script
+  leaving: (message, sender) => (sender.frameId === 0 && sender.tab ? judgeAhead(sender.tab.id, String(message.url)) : {}),
   ctrl: (message) => {
     ctrlDown = Boolean(message.down);
     return {};
@@ -441,13 +520,27 @@ const handlers = {
   state: () => ({ down: hostDown }),
 };
 
-chrome.runtime.onMessage.addListener((message, sender, sendResponse) => {
+function handle(message, sender) {
   const handler = handlers[message?.type];
-  if (!handler) return false;
-  Promise.resolve()
+  if (!handler) return null;
+  return Promise.resolve()
     .then(() => handler(message, sender))
-    .then(sendResponse, (error) => sendResponse({ type: 'error', error: String(error) }));
+    .catch((error) => ({ type: 'error', error: String(error) }));
+}
+
+chrome.runtime.onMessage.addListener((message, sender, sendResponse) => {
+  const answer = handle(message, sender);
+  if (!answer) return false;
+  answer.then(sendResponse);
   return true;
+});
+
+// The content script's port (content.js): the same messages, each answered under its id.
+chrome.runtime.onConnect.addListener((page) => {
+  page.onMessage.addListener(({ id, message }) => {
+    const answer = handle(message, page.sender) ?? Promise.resolve(null);
+    answer.then((reply) => page.postMessage({ id, reply })).catch(() => {});
+  });
 });
 
 connect();

@@ -1,12 +1,42 @@
 // The content script of every web page (top frame): it tells the service
 // worker what the band asks about the page (whether Ctrl is held, how a new
-// window was opened, the page's named forms) and carries out what the band
-// asks of the page (fill in and focus fields, watch a form's submission).
+// window was opened, the page's named forms, where the page is going) and
+// carries out what the band asks of the page (fill in and focus fields,
+// watch a form's submission).
 // Password and file fields are never read.
 (() => {
   if (window !== window.top) return;
   const MAX_VALUE = 4096;
-  const send = (message) => chrome.runtime.sendMessage(message).catch(() => null);
+  // One port to the service worker for the page's life: a navigation held
+  // back waits on its answer, and a port answers sooner than a message that
+  // opens a channel of its own. It closes when the page goes into the
+  // back-forward cache or the worker restarts, and is opened again on use.
+  let port = null;
+  let nextId = 1;
+  const answers = new Map();
+  const connect = () => {
+    port = chrome.runtime.connect({ name: 'page' });
+    port.onMessage.addListener(({ id, reply }) => {
+      answers.get(id)?.(reply);
+      answers.delete(id);
+    });
+    port.onDisconnect.addListener(() => {
+      port = null;
+      for (const resolve of answers.values()) resolve(null);
+      answers.clear();
+    });
+  };
+  const send = (message) =>
+    new Promise((resolve) => {
+      try {
+        if (!port) connect();
+        const id = nextId++;
+        answers.set(id, resolve);
+        port.postMessage({ id, message });
+      } catch {
+        resolve(null);
+      }
+    });
 
   let ctrl = false;
   const setCtrl = (down) => {
@@ -17,6 +47,42 @@
   addEventListener('keydown', (event) => event.key === 'Control' && setCtrl(true), true);
   addEventListener('keyup', (event) => event.key === 'Control' && setCtrl(false), true);
   addEventListener('blur', () => setCtrl(false), true);
+
+  // A navigation the page starts itself (a link, a script, a form sent by
+  // GET) is held back while the band judges it, then started again as it
+  // was: when the band lets it go, the service worker has let exactly that
+  // address through, so it goes straight to the site instead of by way of
+  // the question page, which judges everything that is not held back here.
+  // One held too long is started anyway and meets the question page.
+  const LEAVING_WAIT_MS = 250;
+  let restarting = null;
+  let held = 0;
+  const keepsItsReferrer = (element) =>
+    Boolean(element?.hasAttribute?.('referrerpolicy') || element?.hasAttribute?.('ping') ||
+      /\bnoreferrer\b/i.test(element?.getAttribute?.('rel') ?? ''));
+  const mayHoldBack = (event) =>
+    event.cancelable && !event.hashChange && !event.destination.sameDocument && event.downloadRequest === null &&
+    !event.formData && ['push', 'replace'].includes(event.navigationType) &&
+    /^https?:/i.test(event.destination.url) && !keepsItsReferrer(event.sourceElement);
+  window.navigation?.addEventListener('navigate', (event) => {
+    const url = event.destination.url;
+    if (restarting === url) {
+      restarting = null;
+      return;
+    }
+    if (!mayHoldBack(event)) return;
+    event.preventDefault();
+    const mine = ++held;
+    const history = event.navigationType;
+    const waited = new Promise((resolve) => setTimeout(resolve, LEAVING_WAIT_MS));
+    Promise.race([send({ type: 'leaving', url }), waited]).then(() => {
+      if (mine !== held) return;
+      restarting = url;
+      const { committed, finished } = navigation.navigate(url, { history });
+      committed.catch(() => {});
+      finished.catch(() => {});
+    });
+  });
 
   const activeElement = () => {
     const active = document.activeElement;

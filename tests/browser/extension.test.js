@@ -76,6 +76,36 @@ test('a listed site is a question before any request: No stays, Yes goes on once
   await page.close();
 });
 
+test('a navigation the page starts goes straight to the site when allowed, and a listed one is still a question', { timeout: 30000 }, async () => {
+  const page = await openPage(sites.url('news.test', '/from'));
+  await page.waitForURL(sites.url('news.test', '/from'));
+  // By way of the question page the site would hear of no referrer.
+  await Promise.all([page.waitForURL(sites.url('news.test', '/next')), page.click('#next')]);
+  assert.equal(sites.referrer('news.test', '/next'), sites.url('news.test', '/from'));
+
+  const before = sites.requests('phish.test');
+  await page.evaluate((url) => {
+    location.href = url;
+  }, sites.url('phish.test', '/by-script'));
+  await questionShown(page);
+  assert.equal(sites.requests('phish.test'), before);
+
+  // A page that swaps in a listed address while its first one is judged
+  // does not take the second through on the first one's pass.
+  await page.goto(sites.url('news.test', '/swap'));
+  await page.waitForURL(sites.url('news.test', '/swap'));
+  await page.evaluate(([first, second]) => {
+    location.href = first;
+    setTimeout(() => {
+      location.href = second;
+    }, 0);
+  }, [sites.url('news.test', '/first'), sites.url('phish.test', '/swapped')]);
+  await questionShown(page);
+  assert.match(await page.textContent('#message'), /phish\.test:\d+\/swapped/);
+  assert.equal(sites.requests('phish.test'), before);
+  await page.close();
+});
+
 test('a form carrying a script is a question before it is sent; Yes sends it as it was', { timeout: 30000 }, async () => {
   const page = await openPage(sites.url('news.test', '/form'));
   await page.waitForURL(sites.url('news.test', '/form'));
@@ -101,6 +131,12 @@ test('a redirect that ends on a listed site is replaced by the block page, out o
   assert.ok(await page.$eval('#logoImg', (image) => image.complete && image.naturalWidth > 0));
   await page.screenshot({ path: join(shots, 'block-page.png') });
 
+  await page.goBack();
+  await page.waitForURL(sites.url('news.test', '/before'));
+
+  // The same from a link the page follows.
+  await Promise.all([page.waitForURL(harness.extensionUrl('phishingsite.html')), page.click('#away')]);
+  await page.waitForFunction(() => document.title === 'Phishing Site Blocked');
   await page.goBack();
   await page.waitForURL(sites.url('news.test', '/before'));
   await page.close();

@@ -72,10 +72,12 @@ export async function startReferenceServer(scratch) {
 // tell that a blocked site was never asked for anything.
 export async function startSites() {
   const counts = new Map();
+  const referrers = new Map();
   const posts = [];
   const server = createServer((request, response) => {
     const host = (request.headers.host ?? '').replace(/:\d+$/, '');
     counts.set(host, (counts.get(host) ?? 0) + 1);
+    referrers.set(`${host}${request.url}`, request.headers.referer ?? null);
     const port = server.address().port;
     if (host === 'redirect.test') {
       response.writeHead(302, { location: `http://phish.test:${port}/landing` });
@@ -94,7 +96,8 @@ export async function startSites() {
       });
       return;
     }
-    let body = `<h1>${host}${request.url}</h1><a id="next" href="http://news.test:${port}/next">next</a>`;
+    let body = `<h1>${host}${request.url}</h1><a id="next" href="http://news.test:${port}/next">next</a>
+      <a id="away" href="http://redirect.test:${port}/away">away</a>`;
     if (request.url === '/form') {
       body += `<form method="post" action="/comment"><textarea name="text"></textarea><button id="send">Send</button></form>`;
     }
@@ -111,6 +114,7 @@ export async function startSites() {
   return {
     url: (host, path = '/') => `http://${host}:${port}${path}`,
     requests: (host) => counts.get(host) ?? 0,
+    referrer: (host, path) => referrers.get(`${host}${path}`), // the Referer of the last request, null without
     posts, // {host, path, body} of each form sent
     stop: () => new Promise((done) => server.close(done)),
   };
