@@ -14,6 +14,9 @@ import { createServer } from 'node:http';
 import * as harness from '../tests/browser/harness.js';
 
 const navigations = Number(process.env.NAVIGATIONS ?? 200);
+// The navigations are shared out over ROUNDS alternating runs without and
+// with the extension, so that a change in the machine's load weighs on both.
+const rounds = Math.max(1, Number(process.env.ROUNDS ?? 4));
 const warmUp = 10;
 
 function percentile(sorted, p) {
@@ -69,12 +72,12 @@ function startChain(total) {
   });
 }
 
-async function run(reference, extension) {
+async function run(reference, extension, count) {
   const scratch = harness.makeScratch();
   mkdirSync(scratch.profile, { recursive: true });
   const env = harness.hostEnvironment(scratch, reference.url);
   if (extension) harness.installHost(scratch, env);
-  const chain = await startChain(navigations);
+  const chain = await startChain(count);
   // The chain starts from a local page once the browser has settled: an
   // address on the command line can be redirected to the question page
   // before the extension can show it, and then it never loads.
@@ -88,7 +91,7 @@ async function run(reference, extension) {
     { env, stdio: 'ignore', detached: true },
   );
   try {
-    const limit = (navigations + warmUp) * 2000;
+    const limit = (count + warmUp) * 2000;
     let timer;
     await Promise.race([
       chain.done,
@@ -96,8 +99,7 @@ async function run(reference, extension) {
         timer = setTimeout(() => reject(new Error(`the chain of pages stalled after ${chain.toLoad.length} (extension: ${extension})`)), limit);
       }),
     ]).finally(() => clearTimeout(timer));
-    const sorted = (list) => list.sort((a, b) => a - b);
-    return { toRequest: sorted(chain.toRequest), toLoad: sorted(chain.toLoad), hostMiB: extension ? hostResidentMiB() : 0 };
+    return { toRequest: chain.toRequest, toLoad: chain.toLoad, hostMiB: extension ? hostResidentMiB() : 0 };
   } finally {
     process.kill(-browser.pid);
     await new Promise((resolve) => browser.once('exit', resolve));
@@ -109,11 +111,23 @@ async function run(reference, extension) {
 const scratch = harness.makeScratch();
 const reference = await harness.startReferenceServer(scratch.dir);
 try {
-  const without = await run(reference, false);
-  const withExtension = await run(reference, true);
+  const without = { toRequest: [], toLoad: [] };
+  const withExtension = { toRequest: [], toLoad: [], hostMiB: 0 };
+  for (let round = 0; round < rounds; round++) {
+    const count = Math.ceil(navigations / rounds);
+    for (const [extension, into] of [[false, without], [true, withExtension]]) {
+      const result = await run(reference, extension, count);
+      into.toRequest.push(...result.toRequest);
+      into.toLoad.push(...result.toLoad);
+      into.hostMiB = Math.max(into.hostMiB ?? 0, result.hostMiB);
+    }
+  }
+  for (const list of [without.toRequest, without.toLoad, withExtension.toRequest, withExtension.toLoad]) {
+    list.sort((a, b) => a - b);
+  }
   const pad = (text, width) => String(text).padEnd(width);
   const ms = (value) => `${value.toFixed(1)} ms`;
-  console.log(`${navigations} top-level navigations by script to new addresses of a loopback site, verdicts from`);
+  console.log(`${navigations} top-level navigations (${rounds} rounds) by script to new addresses of a loopback site, verdicts from`);
   console.log('the loopback reference server; times from the start of each navigation\n');
   console.log(`${pad('', 34)}${pad('without', 12)}${pad('with', 12)}${pad('added', 12)}ratio`);
   for (const [what, key] of [['to the request at the site', 'toRequest'], ['to the load event', 'toLoad']]) {

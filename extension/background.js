@@ -280,11 +280,12 @@ async function judgeAhead(tabId, url) {
   state.pending = pending;
   const reply = await pending.reply;
   if (state.pending !== pending || reply.type === 'error' || reply.cancel) return {};
-  await carryOut(tabId, reply);
-  // Refused, the rule leaves the navigation to the question page, which
-  // takes the verdict kept for it.
+  // The rule first: the page waits on it, not on the strip. Refused, the
+  // rule leaves the navigation to the question page, which takes the
+  // verdict kept for it.
   await allowOnce(tabId, url).then(() => {
     if (state.pending === pending) state.pending = null;
+    carryOut(tabId, reply).catch(() => {});
   }, () => endAllow(tabId, state.allowRule));
   return {};
 }

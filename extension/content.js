@@ -57,13 +57,13 @@
   const LEAVING_WAIT_MS = 250;
   let restarting = null;
   let held = 0;
-  const keepsItsReferrer = (element) =>
+  const changesItsRequest = (element) =>
     Boolean(element?.hasAttribute?.('referrerpolicy') || element?.hasAttribute?.('ping') ||
       /\bnoreferrer\b/i.test(element?.getAttribute?.('rel') ?? ''));
   const mayHoldBack = (event) =>
     event.cancelable && !event.hashChange && !event.destination.sameDocument && event.downloadRequest === null &&
     !event.formData && ['push', 'replace'].includes(event.navigationType) &&
-    /^https?:/i.test(event.destination.url) && !keepsItsReferrer(event.sourceElement);
+    /^https?:/i.test(event.destination.url) && !changesItsRequest(event.sourceElement);
   window.navigation?.addEventListener('navigate', (event) => {
     const url = event.destination.url;
     if (restarting === url) {
