@@ -27,6 +27,9 @@ std::string FormatHttpDate(std::int64_t unixSeconds) {
 }
 
 std::optional<std::int64_t> ParseHttpDate(std::string_view text) {
+  // The parser reads a C string: a date cut short by a NUL would be read
+  // as the part before it.
+  if (text.find('\0') != std::string_view::npos) return std::nullopt;
   const std::string terminated(text);
   const time_t seconds = curl_getdate(terminated.c_str(), nullptr);
   if (seconds == -1) return std::nullopt;

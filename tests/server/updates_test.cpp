@@ -112,6 +112,8 @@ TEST(HttpDate, ReadsTheThreeFormsAndWritesTheFirst) {
   for (const char* unreadable : {"", "yesterday", "Sun, 32 Nov 1994 08:49:37 GMT", "Sun, 06 Nov 1994 25:00:00 GMT"}) {
     EXPECT_FALSE(ParseHttpDate(unreadable)) << unreadable;
   }
+  using namespace std::string_view_literals;
+  EXPECT_FALSE(ParseHttpDate("Sun, 06 Nov 1994 08:49:37 GMT\0garbage"sv));
 }
 
 }  // namespace
