@@ -280,12 +280,12 @@ async function judgeAhead(tabId, url) {
   state.pending = pending;
   const reply = await pending.reply;
   if (state.pending !== pending || reply.type === 'error' || reply.cancel) return {};
-  // The rule first: the page waits on it, not on the strip. Refused, the
-  // rule leaves the navigation to the question page, which takes the
-  // verdict kept for it.
+  // The page waits on the rule, not on the strip: what the band shows is
+  // done once the page has its answer. Refused, the rule leaves the
+  // navigation to the question page, which takes the verdict kept for it.
   await allowOnce(tabId, url).then(() => {
     if (state.pending === pending) state.pending = null;
-    carryOut(tabId, reply).catch(() => {});
+    setTimeout(() => carryOut(tabId, reply).catch(() => {}), 0);
   }, () => endAllow(tabId, state.allowRule));
   return {};
 }
