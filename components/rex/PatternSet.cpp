@@ -73,8 +73,10 @@ std::int32_t PatternSet::FirstMatch(std::string_view subject, std::optional<std:
     candidates_.insert(candidates_.end(), byAtom_.begin() + atomStarts_[atom], byAtom_.begin() + atomStarts_[atom + 1]);
   });
   if (!always_.empty()) candidates_.insert(candidates_.end(), always_.begin(), always_.end());
-  std::sort(candidates_.begin(), candidates_.end());
-  candidates_.erase(std::unique(candidates_.begin(), candidates_.end()), candidates_.end());
+  if (candidates_.size() > 1) {
+    std::sort(candidates_.begin(), candidates_.end());
+    candidates_.erase(std::unique(candidates_.begin(), candidates_.end()), candidates_.end());
+  }
 
   std::string error;
   const auto start = candidates_.empty() ? std::chrono::steady_clock::time_point() : std::chrono::steady_clock::now();

@@ -87,12 +87,14 @@ TEST(AtomScannerTest, FindsEveryOccurrenceANaiveSearchFinds) {
     for (std::size_t i = 0; i < length; ++i) out += "abc./"[random() % 5];
     return out;
   };
-  for (int round = 0; round < 40; ++round) {
+  // Every length from the short atoms found by their first byte to those
+  // read through windows eight bytes apart, in subjects whose windows repeat.
+  for (int round = 0; round < 60; ++round) {
     std::vector<std::string> atoms;
-    for (int i = 0; i < 60; ++i) atoms.push_back(text(1 + random() % 8));
+    for (int i = 0; i < 60; ++i) atoms.push_back(text(1 + random() % 24));
     const rex::AtomScanner scanner(atoms);
     for (int probe = 0; probe < 20; ++probe) {
-      const std::string subject = text(random() % 60);
+      const std::string subject = text(random() % 120);
       std::multiset<std::uint32_t> expected;
       for (std::uint32_t atom = 0; atom < atoms.size(); ++atom) {
         for (auto at = subject.find(atoms[atom]); at != std::string::npos; at = subject.find(atoms[atom], at + 1)) {
@@ -125,7 +127,17 @@ struct Generated {
 };
 
 Generated Generate(unsigned seed) {
-  static const char* const kWords[] = {"paypa1", "Secure", "login", "bank", "example", "a", "xn--app1e", "wp-admin"};
+  static const char* const kWords[] = {"paypa1",
+                                       "Secure",
+                                       "login",
+                                       "bank",
+                                       "example",
+                                       "a",
+                                       "xn--app1e",
+                                       "wp-admin",
+                                       "account-verify-7",
+                                       "signin-Update.example.com",
+                                       "secure-bank-login.example"};
   static const char* const kPieces[] = {
       "\\.",      ".",         "[^/]*", "(?:www\\.)?", "(a|b)",          "https?://", "^",       "$",
       "\\d+",     "(?i)",      "(?-i)", "\\Qa.b\\E",   "x{2,3}",         "(?=ban)",   "(?!ban)", "(?<=/)",
