@@ -1,6 +1,7 @@
 #include "AtomScanner.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 
 namespace tarnwick::rex {
@@ -19,15 +20,74 @@ unsigned Log2Ceiling(std::size_t count) {
 }
 
 // The window width and step an atom of `length` bytes (at least kShortest)
-// is looked for with: the longest step it allows, and of two widths that
-// allow it the wider, whose windows fewer atoms share.
+// is looked for with: eight-byte windows where they allow a step of four or
+// more, since URLs share four-byte pieces with many atoms; four-byte
+// windows, with their longer step, for the others.
 std::pair<unsigned, unsigned> WidthAndStep(std::size_t length) {
   const auto step = [length](unsigned width) {
     return length < width
                ? 0u
                : std::bit_floor(static_cast<unsigned>(std::min<std::size_t>(length - width + 1, kLongestStep)));
   };
-  return step(kWide) >= step(kShortest) ? std::pair{kWide, step(kWide)} : std::pair{kShortest, step(kShortest)};
+  return step(kWide) >= 4 ? std::pair{kWide, step(kWide)} : std::pair{kShortest, step(kShortest)};
+}
+
+// The passes a scan makes: each atom's own width and step, with passes
+// merged where one pass costs less than two. A pass costs a look-up for
+// each window it reads in a URL of typical length, dearer when its filter
+// outgrows the caches; an atom can join a pass of narrower windows or a
+// shorter step than its own (its windows then still lie wholly inside it).
+struct Kind {
+  unsigned width;
+  unsigned step;
+};
+constexpr std::array<Kind, 8> kKinds = {{{4, 1}, {4, 2}, {4, 4}, {4, 8}, {8, 1}, {8, 2}, {8, 4}, {8, 8}}};
+
+std::size_t KindOf(std::pair<unsigned, unsigned> widthAndStep) {
+  for (std::size_t kind = 0; kind < kKinds.size(); ++kind) {
+    if (kKinds[kind].width == widthAndStep.first && kKinds[kind].step == widthAndStep.second) return kind;
+  }
+  return 0;
+}
+
+double PassCost(std::size_t kind, std::size_t atoms) {
+  if (atoms == 0) return 0;
+  constexpr double kTypicalUrl = 80;
+  const std::size_t filterBytes = atoms * kKinds[kind].step * kBloomBitsPerWindow / 8;
+  const double perWindow = filterBytes <= (32u << 10) ? 1 : filterBytes <= (256u << 10) ? 2 : 4;
+  return kTypicalUrl / kKinds[kind].step * perWindow;
+}
+
+// For each kind, the kind of the pass its atoms join; `atoms` counts the
+// atoms of each kind.
+std::array<std::size_t, 8> PlanPasses(std::array<std::size_t, 8> atoms) {
+  std::array<std::size_t, 8> into{};
+  for (std::size_t kind = 0; kind < into.size(); ++kind) into[kind] = kind;
+  for (;;) {
+    double bestGain = 0;
+    std::size_t from = 0;
+    std::size_t to = 0;
+    for (std::size_t b = 0; b < atoms.size(); ++b) {
+      for (std::size_t a = 0; a < atoms.size(); ++a) {
+        if (a == b || atoms[a] == 0 || atoms[b] == 0 || kKinds[a].width > kKinds[b].width ||
+            kKinds[a].step > kKinds[b].step) {
+          continue;
+        }
+        const double gain = PassCost(a, atoms[a]) + PassCost(b, atoms[b]) - PassCost(a, atoms[a] + atoms[b]);
+        if (gain > bestGain) {
+          bestGain = gain;
+          from = b;
+          to = a;
+        }
+      }
+    }
+    if (bestGain <= 0) return into;
+    atoms[to] += atoms[from];
+    atoms[from] = 0;
+    for (auto& target : into) {
+      if (target == from) target = to;
+    }
+  }
 }
 
 }  // namespace
@@ -56,6 +116,13 @@ AtomScanner::AtomScanner(const std::vector<std::string>& atoms) {
     shortAtoms_[next[first]++] = atom;
   }
 
+  std::array<std::size_t, 8> perKind{};
+  for (const auto& atom : atoms) {
+    if (atom.size() >= kShortest) ++perKind[KindOf(WidthAndStep(atom.size()))];
+  }
+  const std::array<std::size_t, 8> plan = PlanPasses(perKind);
+  const auto kindOf = [&](std::uint32_t atom) { return kKinds[plan[KindOf(WidthAndStep(atoms[atom].size()))]]; };
+
   // About how many atoms hold each window (counted in hashed buckets, so a
   // collision only makes a window look more shared; small enough to stay in
   // the cache).
@@ -66,7 +133,7 @@ AtomScanner::AtomScanner(const std::vector<std::string>& atoms) {
   const auto windowsOf = [&](std::uint32_t atom) {
     windows.clear();
     const std::string& text = atoms[atom];
-    const unsigned width = WidthAndStep(text.size()).first;
+    const unsigned width = kindOf(atom).width;
     for (std::size_t at = 0; at + width <= text.size(); ++at) windows.push_back(Window(text.data() + at, width));
   };
   for (std::uint32_t atom = 0; atom < atomCount; ++atom) {
@@ -100,7 +167,7 @@ AtomScanner::AtomScanner(const std::vector<std::string>& atoms) {
   };
   for (std::uint32_t atom = 0; atom < atomCount; ++atom) {
     if (atoms[atom].size() < kShortest) continue;
-    const auto [width, step] = WidthAndStep(atoms[atom].size());
+    const auto [width, step] = kindOf(atom);
     auto& into = filed[passFor(width, step)];
     windowsOf(atom);
     for (std::size_t offset = 0; offset < step; ++offset) {
@@ -108,7 +175,10 @@ AtomScanner::AtomScanner(const std::vector<std::string>& atoms) {
       for (std::size_t at = offset + step; at < windows.size(); at += step) {
         if (bucket(windows[at]) < bucket(windows[best])) best = at;
       }
-      into.push_back({windows[best], {atom, static_cast<std::uint32_t>(best)}});
+      const std::string& text = atoms[atom];
+      const auto tail = static_cast<std::uint32_t>(Window<4>(text.data() + text.size() - 4));
+      into.push_back(
+          {windows[best], {atom, static_cast<std::uint32_t>(best), static_cast<std::uint32_t>(text.size()), tail}});
     }
   }
   sharing = {};
@@ -148,8 +218,8 @@ AtomScanner::AtomScanner(const std::vector<std::string>& atoms) {
             [](const Pass& a, const Pass& b) { return a.anchors.size() < b.anchors.size(); });
 }
 
-const AtomScanner::Slot* AtomScanner::Pass::Find(std::uint64_t window) const {
-  for (std::size_t at = Mix(window) >> slotShift;; at = (at + 1) & (slots.size() - 1)) {
+const AtomScanner::Slot* AtomScanner::Pass::Find(std::uint64_t window, std::uint64_t mixed) const {
+  for (std::size_t at = mixed >> slotShift;; at = (at + 1) & (slots.size() - 1)) {
     const Slot& slot = slots[at];
     if (slot.count == 0) return nullptr;
     if (slot.window == window) return &slot;

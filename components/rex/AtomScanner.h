@@ -45,6 +45,11 @@ class AtomScanner {
   struct Anchor {
     std::uint32_t atom;
     std::uint32_t offset;  // of the window in the atom
+    std::uint32_t length;  // of the atom
+    // The atom's last four bytes: most windows that match without the atom
+    // differ there, which the subject's bytes near the window tell without
+    // reading the atom itself.
+    std::uint32_t tail;
   };
   struct Slot {
     std::uint64_t window = 0;
@@ -62,12 +67,12 @@ class AtomScanner {
     unsigned bloomShift = 64;
     unsigned slotShift = 64;
 
-    bool MayHold(std::uint64_t window) const {
-      const std::uint64_t mixed = Mix(window);
+    // Whether some atom may be filed under the window whose Mix is `mixed`.
+    bool MayHold(std::uint64_t mixed) const {
       const std::uint64_t word = bloom[mixed >> bloomShift];
       return ((word >> ((mixed >> 20) & 63)) & (word >> ((mixed >> 26) & 63)) & 1) != 0;
     }
-    const Slot* Find(std::uint64_t window) const;
+    const Slot* Find(std::uint64_t window, std::uint64_t mixed) const;
   };
 
   template <unsigned kWidth>
@@ -106,12 +111,17 @@ void AtomScanner::ScanPass(const Pass& pass, std::string_view text, Found& found
   const std::size_t step = pass.step;
   for (std::size_t at = 0; at + kWidth <= text.size(); at += step) {
     const std::uint64_t window = Window<kWidth>(data + at);
-    if (!pass.MayHold(window)) continue;
-    const Slot* slot = pass.Find(window);
+    const std::uint64_t mixed = Mix(window);
+    if (!pass.MayHold(mixed)) continue;
+    const Slot* slot = pass.Find(window, mixed);
     if (slot == nullptr) continue;
-    for (std::uint32_t i = slot->first; i < slot->first + slot->count; ++i) {
-      const Anchor& anchor = pass.anchors[i];
-      if (anchor.offset <= at && OccursAt(text, at - anchor.offset, anchor.atom)) found(anchor.atom);
+    for (std::uint32_t a = slot->first; a < slot->first + slot->count; ++a) {
+      const Anchor& anchor = pass.anchors[a];
+      if (anchor.offset > at || at - anchor.offset + anchor.length > text.size()) continue;
+      const std::size_t start = at - anchor.offset;
+      if (Window<4>(data + start + anchor.length - 4) == anchor.tail && OccursAt(text, start, anchor.atom)) {
+        found(anchor.atom);
+      }
     }
   }
 }

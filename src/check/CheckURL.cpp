@@ -98,7 +98,7 @@ bool CheckURL::IsInternetZone(const std::string& URL) {
   try {
     if (!ports_.http.pageFetch) throw RoutineError(91, "Object variable or With block variable not set");
     const std::int32_t zone = PageFetch(*ports_.http.pageFetch).MapZone(URL);
-    ports_.log.DebugLog("(IsInternetZone) got " + std::to_string(zone));
+    if (ports_.log.DebugEnabled()) ports_.log.DebugLog("(IsInternetZone) got " + std::to_string(zone));
     return zone >= 3;
   } catch (const RoutineError&) {
     return !Failed() && Rex(*rexObject_).Test(URL, R"(^(?:https?|ftp):\/\/)");
@@ -118,7 +118,7 @@ void CheckURL::Check(std::string URL, const std::vector<std::uint8_t>& postData,
       outcome_.step = CheckStep::Scheme;
       return;
     }
-    log.DebugLog("(CheckURL) Checking URL: " + URL);
+    if (log.DebugEnabled()) log.DebugLog("(CheckURL) Checking URL: " + URL);
     if (!IsInternetZone(URL)) {
       ports_.CurrentRiskRank = -1;
       std::int32_t zone = -1;
@@ -211,7 +211,8 @@ void CheckURL::URL_Blocked_Locally(const std::string& URL, bool& blocked) {
   } else if (first == kSetOutOfTime) {
     budget_->RanOut("(URL_Blocked_Locally)");
   }
-  ports_.log.DebugLog(std::string("(URL_Blocked_Locally) returning ") + (blocked ? "True" : "False"));
+  if (ports_.log.DebugEnabled())
+    ports_.log.DebugLog(std::string("(URL_Blocked_Locally) returning ") + (blocked ? "True" : "False"));
 }
 
 void CheckURL::NoInformation(std::string text) {

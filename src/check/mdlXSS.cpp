@@ -37,7 +37,7 @@ std::string mdlXSS::DecodeForXSS(std::string& data, Rex& rex) {
 }
 
 bool mdlXSS::Contains_XSS(std::string& data, Rex& rex, PatternBudget& budget) {
-  log_.DebugLog("(Contains_XSS) Data: " + data);
+  if (log_.DebugEnabled()) log_.DebugLog("(Contains_XSS) Data: " + data);
   if (data.empty() || !options_.BlockXSS) return false;
   DecodeForXSS(data, rex);
   const std::int32_t first = patterns_.FirstMatch(rex, data, budget);
