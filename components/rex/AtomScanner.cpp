@@ -126,7 +126,7 @@ AtomScanner::AtomScanner(const std::vector<std::string>& atoms) {
   // About how many atoms hold each window (counted in hashed buckets, so a
   // collision only makes a window look more shared; small enough to stay in
   // the cache).
-  const unsigned countBits = std::clamp(Log2Ceiling(text_.size() / 4), 12u, 20u);
+  const unsigned countBits = std::clamp(Log2Ceiling(text_.size() / 4), 12u, 18u);
   std::vector<std::uint16_t> sharing(std::size_t{1} << countBits, 0);
   const auto bucket = [&](std::uint64_t window) -> std::uint16_t& { return sharing[Mix(window) >> (64 - countBits)]; };
   std::vector<std::uint64_t> windows;
@@ -151,6 +151,7 @@ AtomScanner::AtomScanner(const std::vector<std::string>& atoms) {
   // first sampled window may lie, under the least shared of the windows at
   // that offset plus a multiple of the step.
   struct Filed {
+    std::uint64_t mixed;  // Mix(window)
     std::uint64_t window;
     Anchor anchor;
   };
@@ -177,8 +178,9 @@ AtomScanner::AtomScanner(const std::vector<std::string>& atoms) {
       }
       const std::string& text = atoms[atom];
       const auto tail = static_cast<std::uint32_t>(Window<4>(text.data() + text.size() - 4));
-      into.push_back(
-          {windows[best], {atom, static_cast<std::uint32_t>(best), static_cast<std::uint32_t>(text.size()), tail}});
+      into.push_back({Mix(windows[best]),
+                      windows[best],
+                      {atom, static_cast<std::uint32_t>(best), static_cast<std::uint32_t>(text.size()), tail}});
     }
   }
   sharing = {};
@@ -186,7 +188,11 @@ AtomScanner::AtomScanner(const std::vector<std::string>& atoms) {
   for (std::size_t index = 0; index < passes_.size(); ++index) {
     Pass& pass = passes_[index];
     auto& entries = filed[index];
-    std::sort(entries.begin(), entries.end(), [](const Filed& a, const Filed& b) { return a.window < b.window; });
+    // In the order of their hash, which is that of their slots and filter
+    // words: the tables fill front to back rather than at random.
+    std::sort(entries.begin(), entries.end(), [](const Filed& a, const Filed& b) {
+      return a.mixed != b.mixed ? a.mixed < b.mixed : a.window < b.window;
+    });
     std::size_t distinct = 0;
     for (std::size_t i = 0; i < entries.size(); ++i) distinct += i == 0 || entries[i].window != entries[i - 1].window;
     // At most three slots in four taken.

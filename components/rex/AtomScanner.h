@@ -1,19 +1,22 @@
 // Finds which of many atoms occur in a subject, in one pass over it.
 //
 // An atom of four bytes or more is looked for through windows of the
-// subject: eight bytes wide for atoms of eight bytes or more, four for the
-// others. The windows are not taken at every position but at every
-// `step`-th one, the step being as long as the atom allows (up to eight):
-// an occurrence of an atom of length L covers every position from its start
-// to L - width further on, so with step S <= L - width + 1 one of the
-// sampled windows lies wholly inside it, at one of S offsets from its start.
-// The atom is filed under one window for each of those offsets, the window
-// that the fewest other atoms share (so a piece every URL holds, such as
-// "https://" or ".com/", is rarely chosen). Atoms that allow the same width
-// and step form one pass; a pass reads its windows, asks a small blocked
-// Bloom filter whether any atom is filed under each, and only then looks the
-// window up and compares the atoms filed there in full. Atoms under four
-// bytes are found by their first byte.
+// subject, eight or four bytes wide, taken not at every position but at
+// every `step`-th one: an occurrence of an atom of length L covers every
+// window from its start to L - width further on, so with a step S of at most
+// L - width + 1 one of the sampled windows lies wholly inside it, at one of
+// S offsets from its start. The atom is filed under one window for each of
+// those offsets, the window that the fewest other atoms share (so a piece
+// every URL holds, such as "https://" or ".com/", is rarely chosen). Each
+// atom gets the longest step its length allows (up to eight) and the wider
+// window where that step is four or more; atoms of the same width and step
+// form one pass, and a pass joins one of narrower windows or a shorter step
+// where one pass costs less than two (a handful of atoms does not pay for a
+// walk of its own over the subject). A pass reads its windows, asks a small
+// blocked Bloom filter whether any atom is filed under each, and only then
+// looks the window up and, for the atoms filed there whose last four bytes
+// are in place, compares them in full. Atoms under four bytes are found by
+// their first byte.
 //
 // For a URL of 80 bytes and atoms of the length of host names, that is ten
 // windows, where nothing is filed a load, a multiplication and a bit test
