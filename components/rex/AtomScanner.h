@@ -136,7 +136,13 @@ void AtomScanner::Scan(std::string_view text, Found&& found) const {
       const auto first = static_cast<unsigned char>(text[at]);
       if (!shortFirst_[first]) continue;
       for (std::uint32_t i = shortStarts_[first]; i < shortStarts_[first + 1u]; ++i) {
-        if (OccursAt(text, at, shortAtoms_[i])) found(shortAtoms_[i]);
+        const std::uint32_t atom = shortAtoms_[i];
+        // The first byte is in place: the rest, at most two bytes, compared here.
+        const std::size_t length = starts_[atom + 1] - starts_[atom];
+        if (at + length > text.size()) continue;
+        bool occurs = true;
+        for (std::size_t k = 1; k < length && occurs; ++k) occurs = text[at + k] == text_[starts_[atom] + k];
+        if (occurs) found(atom);
       }
     }
   }
