@@ -166,6 +166,14 @@ AtomScanner::AtomScanner(const std::vector<std::string>& atoms) {
     filed.emplace_back();
     return passes_.size() - 1;
   };
+  // Each pass's entries are counted first: a list of a hundred thousand
+  // atoms files nearly a million, and growing the vectors would copy them.
+  for (std::size_t kind = 0; kind < perKind.size(); ++kind) {
+    if (perKind[kind] == 0) continue;
+    const Kind joined = kKinds[plan[kind]];
+    auto& into = filed[passFor(joined.width, joined.step)];
+    into.reserve(into.capacity() + perKind[kind] * joined.step);
+  }
   for (std::uint32_t atom = 0; atom < atomCount; ++atom) {
     if (atoms[atom].size() < kShortest) continue;
     const auto [width, step] = kindOf(atom);

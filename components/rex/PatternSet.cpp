@@ -20,6 +20,9 @@ PatternSet::PatternSet(std::vector<std::string> patterns, std::uint32_t options)
   std::unordered_map<std::string, std::uint32_t> numbers;
   std::vector<std::string> atoms;
   std::vector<std::pair<std::uint32_t, std::uint32_t>> demands;  // (atom, pattern)
+  numbers.reserve(patterns_.size());
+  atoms.reserve(patterns_.size());
+  demands.reserve(patterns_.size());
   for (std::uint32_t index = 0; index < patterns_.size(); ++index) {
     if (patterns_[index].empty()) continue;
     auto required = RequiredAtoms(patterns_[index]);
