@@ -27,9 +27,11 @@ constexpr std::array<std::string_view, 12> kUncheckedSchemes = {
     "javascript", "jscript", "vbscript", "telnet", "about", "msc", "htc", "hcp", "callto", "ymsgr", "res", "mailto"};
 
 bool MayHaveUncheckedScheme(std::string_view URL) {
-  return std::any_of(kUncheckedSchemes.begin(), kUncheckedSchemes.end(), [URL](std::string_view scheme) {
-    return URL.size() > scheme.size() && URL.starts_with(scheme) && URL[scheme.size()] == ':';
-  });
+  // No scheme holds a ':': the one a URL begins with ends at its first.
+  const auto colon = URL.find(':');
+  if (colon == std::string_view::npos) return false;
+  const std::string_view scheme = URL.substr(0, colon);
+  return std::find(kUncheckedSchemes.begin(), kUncheckedSchemes.end(), scheme) != kUncheckedSchemes.end();
 }
 
 const std::string& UncheckedSchemePattern() {
