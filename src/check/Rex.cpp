@@ -3,29 +3,12 @@
 #include <algorithm>
 #include <array>
 
+#include "support/ReusedArguments.h"
+
 namespace tarnwick {
 namespace {
 
 Variant Text(std::string_view text) { return std::string(text); }
-
-// The arguments of the frequent calls, kept from one call to the next so
-// that their texts reuse the room earlier calls allocated: a check makes
-// several calls for each URL, with texts of about the same length. Calls do
-// not nest (no component calls back).
-template <typename... Texts>
-std::span<Variant> Reused(Texts... texts) {
-  thread_local std::array<Variant, 4> args;
-  std::size_t next = 0;
-  for (const std::string_view text : {std::string_view(texts)...}) {
-    if (auto* held = std::get_if<std::string>(&args[next])) {
-      held->assign(text);
-    } else {
-      args[next] = std::string(text);
-    }
-    ++next;
-  }
-  return std::span(args).first(next);
-}
 
 }  // namespace
 
@@ -37,13 +20,13 @@ std::optional<Variant> Rex::Call(std::string_view member, std::span<Variant> arg
 }
 
 bool Rex::Test(std::string_view subject, std::string_view pattern, std::string_view flags) {
-  const auto answer = Call("Test", Reused(subject, pattern, flags));
+  const auto answer = Call("Test", ReusedArguments({subject, pattern, flags}));
   return answer && std::holds_alternative<bool>(*answer) && std::get<bool>(*answer);
 }
 
 std::optional<std::vector<std::string>> Rex::Match(std::string_view subject, std::string_view pattern,
                                                    std::string_view flags) {
-  auto answer = Call("Match", Reused(subject, pattern, flags));
+  auto answer = Call("Match", ReusedArguments({subject, pattern, flags}));
   auto* groups = answer ? std::get_if<std::vector<std::string>>(&*answer) : nullptr;
   if (groups == nullptr) return std::nullopt;
   return std::move(*groups);
@@ -51,7 +34,7 @@ std::optional<std::vector<std::string>> Rex::Match(std::string_view subject, std
 
 std::string Rex::Replace(std::string_view subject, std::string_view pattern, std::string_view replacement,
                          std::string_view flags) {
-  auto answer = Call("Replace", Reused(subject, pattern, replacement, flags));
+  auto answer = Call("Replace", ReusedArguments({subject, pattern, replacement, flags}));
   auto* text = answer ? std::get_if<std::string>(&*answer) : nullptr;
   return text != nullptr ? std::move(*text) : std::string(subject);
 }
@@ -72,7 +55,7 @@ bool Rex::CompileSet(std::string_view name, const std::vector<std::string>& patt
 std::optional<std::int32_t> Rex::FirstMatch(std::string_view name, std::string_view subject, std::string_view tag,
                                             std::chrono::microseconds time) {
   const auto micros = static_cast<std::int32_t>(std::clamp<std::int64_t>(time.count(), 0, INT32_MAX));
-  const auto args = Reused(name, subject, tag, std::string_view());
+  const auto args = ReusedArguments({name, subject, tag, std::string_view()});
   args[3] = micros;
   const auto answer = Call("FirstMatch", args);
   if (!answer || !std::holds_alternative<std::int32_t>(*answer)) return std::nullopt;
