@@ -32,8 +32,9 @@ std::string_view Arguments::TextView(std::size_t index) {
   const Variant* value = Find(index);
   if (const auto* text = value != nullptr ? std::get_if<std::string>(value) : nullptr) return *text;
   if (index >= kMaxArguments) return {};
-  coerced_[index] = Text(index);
-  return coerced_[index];
+  if (!coerced_) coerced_ = std::make_unique<std::array<std::string, kMaxArguments>>();
+  (*coerced_)[index] = Text(index);
+  return (*coerced_)[index];
 }
 
 std::int32_t Arguments::Integer(std::size_t index) const {
@@ -81,6 +82,10 @@ Dispatcher::Dispatcher(std::vector<Member> members) : members_(std::move(members
 }
 
 std::optional<std::size_t> Dispatcher::Find(std::string_view name) const {
+  // Callers mostly spell the name as the table does.
+  for (std::size_t i = 0; i < members_.size(); ++i) {
+    if (members_[i].name == name) return i;
+  }
   for (std::size_t i = 0; i < members_.size(); ++i) {
     if (EqualsIgnoreCase(members_[i].name, name)) return i;
   }

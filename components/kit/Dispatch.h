@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <span>
 #include <stdexcept>
@@ -64,7 +65,9 @@ class Arguments {
 
   std::span<Variant> values_;
   std::bitset<kMaxArguments> changed_;
-  std::array<std::string, kMaxArguments> coerced_;  // TextView's text of arguments that are no text
+  // TextView's text of arguments that are no text; made at the first such
+  // argument, as most calls pass texts.
+  std::unique_ptr<std::array<std::string, kMaxArguments>> coerced_;
 };
 
 struct Member {

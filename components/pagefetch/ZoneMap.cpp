@@ -28,10 +28,24 @@ bool IsDotlessName(std::string_view host) {
   return letter;
 }
 
+// Without lists, a host written with a dot and no escape is in the Internet
+// zone, whatever it decodes to: most URLs are answered without decoding.
+bool PlainlyInternet(std::string_view url, const ZoneLists& lists) {
+  if (!lists.trusted.empty() || !lists.intranet.empty() || !lists.restricted.empty()) return false;
+  const auto schemeEnd = url.find("://");
+  if (schemeEnd == std::string_view::npos) return false;
+  std::string_view host = url.substr(schemeEnd + 3);
+  host = host.substr(0, host.find_first_of("/?#"));
+  if (const auto at = host.rfind('@'); at != std::string_view::npos) host = host.substr(at + 1);
+  host = host.substr(0, host.find(':'));
+  return host.find('.') != std::string_view::npos && host.find_first_of("%[") == std::string_view::npos;
+}
+
 }  // namespace
 
 std::int32_t MapZone(std::string_view url, const ZoneLists& lists) {
   if (IsLocalPath(url) || LowerAscii(url.substr(0, 5)) == "file:") return kZoneLocalMachine;
+  if (PlainlyInternet(url, lists)) return kZoneInternet;
   // A host written as a number ("134744072", "0x08080808", "8.526344") is
   // the address the resolver makes of it, never an intranet name.
   const std::string host = SiteOfURL(url);

@@ -1,19 +1,93 @@
 #include "AtomScanner.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 
 namespace tarnwick::rex {
 namespace {
 
-constexpr std::size_t kPiece = 4;
-// Filter bits per piece: about one window in a hundred that holds no atom
-// gets past the filter.
-constexpr std::size_t kBloomBitsPerPiece = 16;
+constexpr unsigned kShortest = 4;  // atoms shorter than this are found by their first byte
+constexpr unsigned kWide = 8;
+constexpr unsigned kLongestStep = 8;
+// Filter bits per window filed: about one window in a hundred that holds no
+// atom gets past the filter.
+constexpr std::size_t kBloomBitsPerWindow = 16;
 
 // log2 of the least power of two that is at least `count` (and at least 2).
 unsigned Log2Ceiling(std::size_t count) {
   return static_cast<unsigned>(std::bit_width(std::max<std::size_t>(count, 2) - 1));
+}
+
+// The window width and step an atom of `length` bytes (at least kShortest)
+// is looked for with: eight-byte windows where they allow a step of four or
+// more, since URLs share four-byte pieces with many atoms; four-byte
+// windows, with their longer step, for the others.
+std::pair<unsigned, unsigned> WidthAndStep(std::size_t length) {
+  const auto step = [length](unsigned width) {
+    return length < width
+               ? 0u
+               : std::bit_floor(static_cast<unsigned>(std::min<std::size_t>(length - width + 1, kLongestStep)));
+  };
+  return step(kWide) >= 4 ? std::pair{kWide, step(kWide)} : std::pair{kShortest, step(kShortest)};
+}
+
+// The passes a scan makes: each atom's own width and step, with passes
+// merged where one pass costs less than two. A pass costs a look-up for
+// each window it reads in a URL of typical length, dearer when its filter
+// outgrows the caches; an atom can join a pass of narrower windows or a
+// shorter step than its own (its windows then still lie wholly inside it).
+struct Kind {
+  unsigned width;
+  unsigned step;
+};
+constexpr std::array<Kind, 8> kKinds = {{{4, 1}, {4, 2}, {4, 4}, {4, 8}, {8, 1}, {8, 2}, {8, 4}, {8, 8}}};
+
+std::size_t KindOf(std::pair<unsigned, unsigned> widthAndStep) {
+  for (std::size_t kind = 0; kind < kKinds.size(); ++kind) {
+    if (kKinds[kind].width == widthAndStep.first && kKinds[kind].step == widthAndStep.second) return kind;
+  }
+  return 0;
+}
+
+double PassCost(std::size_t kind, std::size_t atoms) {
+  if (atoms == 0) return 0;
+  constexpr double kTypicalUrl = 80;
+  const std::size_t filterBytes = atoms * kKinds[kind].step * kBloomBitsPerWindow / 8;
+  const double perWindow = filterBytes <= (32u << 10) ? 1 : filterBytes <= (256u << 10) ? 2 : 4;
+  return kTypicalUrl / kKinds[kind].step * perWindow;
+}
+
+// For each kind, the kind of the pass its atoms join; `atoms` counts the
+// atoms of each kind.
+std::array<std::size_t, 8> PlanPasses(std::array<std::size_t, 8> atoms) {
+  std::array<std::size_t, 8> into{};
+  for (std::size_t kind = 0; kind < into.size(); ++kind) into[kind] = kind;
+  for (;;) {
+    double bestGain = 0;
+    std::size_t from = 0;
+    std::size_t to = 0;
+    for (std::size_t b = 0; b < atoms.size(); ++b) {
+      for (std::size_t a = 0; a < atoms.size(); ++a) {
+        if (a == b || atoms[a] == 0 || atoms[b] == 0 || kKinds[a].width > kKinds[b].width ||
+            kKinds[a].step > kKinds[b].step) {
+          continue;
+        }
+        const double gain = PassCost(a, atoms[a]) + PassCost(b, atoms[b]) - PassCost(a, atoms[a] + atoms[b]);
+        if (gain > bestGain) {
+          bestGain = gain;
+          from = b;
+          to = a;
+        }
+      }
+    }
+    if (bestGain <= 0) return into;
+    atoms[to] += atoms[from];
+    atoms[from] = 0;
+    for (auto& target : into) {
+      if (target == from) target = to;
+    }
+  }
 }
 
 }  // namespace
@@ -30,92 +104,151 @@ AtomScanner::AtomScanner(const std::vector<std::string>& atoms) {
   // Atoms under four bytes, by their first byte.
   shortStarts_.assign(257, 0);
   for (std::uint32_t atom = 0; atom < atomCount; ++atom) {
-    if (atoms[atom].size() < kPiece) ++shortStarts_[static_cast<unsigned char>(atoms[atom][0]) + 1u];
+    if (atoms[atom].size() < kShortest) ++shortStarts_[static_cast<unsigned char>(atoms[atom][0]) + 1u];
   }
   for (std::size_t b = 0; b < 256; ++b) shortStarts_[b + 1] += shortStarts_[b];
   shortAtoms_.resize(shortStarts_[256]);
   std::vector<std::uint32_t> next(shortStarts_.begin(), shortStarts_.end() - 1);
   for (std::uint32_t atom = 0; atom < atomCount; ++atom) {
-    if (atoms[atom].size() >= kPiece) continue;
+    if (atoms[atom].size() >= kShortest) continue;
     const auto first = static_cast<unsigned char>(atoms[atom][0]);
     shortFirst_[first] = true;
     shortAtoms_[next[first]++] = atom;
   }
 
-  // About how many atoms hold each piece (counted in hashed buckets, so a
-  // collision only makes a piece look more shared); each longer atom is
-  // filed under its least shared one.
-  const unsigned countBits = std::clamp(Log2Ceiling(text_.size()), 12u, 22u);
-  std::vector<std::uint32_t> sharing(std::size_t{1} << countBits, 0);
-  const auto bucket = [&](std::uint32_t piece) -> std::uint32_t& { return sharing[Mix(piece) >> (64 - countBits)]; };
-  std::vector<std::uint32_t> pieces;
-  const auto piecesOf = [&](std::uint32_t atom) {
-    pieces.clear();
+  std::array<std::size_t, 8> perKind{};
+  for (const auto& atom : atoms) {
+    if (atom.size() >= kShortest) ++perKind[KindOf(WidthAndStep(atom.size()))];
+  }
+  const std::array<std::size_t, 8> plan = PlanPasses(perKind);
+  const auto kindOf = [&](std::uint32_t atom) { return kKinds[plan[KindOf(WidthAndStep(atoms[atom].size()))]]; };
+
+  // About how many atoms hold each window (counted in hashed buckets, so a
+  // collision only makes a window look more shared; small enough to stay in
+  // the cache).
+  const unsigned countBits = std::clamp(Log2Ceiling(text_.size() / 4), 12u, 18u);
+  std::vector<std::uint16_t> sharing(std::size_t{1} << countBits, 0);
+  const auto bucket = [&](std::uint64_t window) -> std::uint16_t& { return sharing[Mix(window) >> (64 - countBits)]; };
+  std::vector<std::uint64_t> windows;
+  const auto windowsOf = [&](std::uint32_t atom) {
+    windows.clear();
     const std::string& text = atoms[atom];
-    for (std::size_t at = 0; at + kPiece <= text.size(); ++at) pieces.push_back(Piece(text.data() + at));
+    const unsigned width = kindOf(atom).width;
+    for (std::size_t at = 0; at + width <= text.size(); ++at) windows.push_back(Window(text.data() + at, width));
   };
   for (std::uint32_t atom = 0; atom < atomCount; ++atom) {
-    if (atoms[atom].size() < kPiece) continue;
-    piecesOf(atom);
-    std::sort(pieces.begin(), pieces.end());
-    pieces.erase(std::unique(pieces.begin(), pieces.end()), pieces.end());
-    for (const std::uint32_t piece : pieces) ++bucket(piece);
+    if (atoms[atom].size() < kShortest) continue;
+    windowsOf(atom);
+    std::sort(windows.begin(), windows.end());
+    windows.erase(std::unique(windows.begin(), windows.end()), windows.end());
+    for (const std::uint64_t window : windows) {
+      std::uint16_t& count = bucket(window);
+      if (count < UINT16_MAX) ++count;
+    }
   }
+
+  // Each atom is filed, for each offset from 0 to step - 1 at which its
+  // first sampled window may lie, under the least shared of the windows at
+  // that offset plus a multiple of the step.
   struct Filed {
-    std::uint32_t piece;
+    std::uint64_t mixed;  // Mix(window)
+    std::uint64_t window;
     Anchor anchor;
   };
-  std::vector<Filed> filed;
-  for (std::uint32_t atom = 0; atom < atomCount; ++atom) {
-    if (atoms[atom].size() < kPiece) continue;
-    piecesOf(atom);
-    std::size_t best = 0;
-    for (std::size_t at = 1; at < pieces.size(); ++at) {
-      if (bucket(pieces[at]) < bucket(pieces[best])) best = at;
+  std::vector<std::vector<Filed>> filed;
+  const auto passFor = [&](unsigned width, unsigned step) -> std::size_t {
+    for (std::size_t pass = 0; pass < passes_.size(); ++pass) {
+      if (passes_[pass].width == width && passes_[pass].step == step) return pass;
     }
-    filed.push_back({pieces[best], {atom, static_cast<std::uint32_t>(best)}});
+    passes_.push_back({});
+    passes_.back().width = width;
+    passes_.back().step = step;
+    filed.emplace_back();
+    return passes_.size() - 1;
+  };
+  // Each pass's entries are counted first: a list of a hundred thousand
+  // atoms files nearly a million, and growing the vectors would copy them.
+  for (std::size_t kind = 0; kind < perKind.size(); ++kind) {
+    if (perKind[kind] == 0) continue;
+    const Kind joined = kKinds[plan[kind]];
+    auto& into = filed[passFor(joined.width, joined.step)];
+    into.reserve(into.capacity() + perKind[kind] * joined.step);
+  }
+  for (std::uint32_t atom = 0; atom < atomCount; ++atom) {
+    if (atoms[atom].size() < kShortest) continue;
+    const auto [width, step] = kindOf(atom);
+    auto& into = filed[passFor(width, step)];
+    windowsOf(atom);
+    for (std::size_t offset = 0; offset < step; ++offset) {
+      std::size_t best = offset;
+      for (std::size_t at = offset + step; at < windows.size(); at += step) {
+        if (bucket(windows[at]) < bucket(windows[best])) best = at;
+      }
+      const std::string& text = atoms[atom];
+      const auto tail = static_cast<std::uint32_t>(Window<4>(text.data() + text.size() - 4));
+      into.push_back({Mix(windows[best]),
+                      windows[best],
+                      {atom, static_cast<std::uint32_t>(best), static_cast<std::uint32_t>(text.size()), tail}});
+    }
   }
   sharing = {};
-  std::sort(filed.begin(), filed.end(), [](const Filed& a, const Filed& b) { return a.piece < b.piece; });
 
-  std::size_t distinct = 0;
-  for (std::size_t i = 0; i < filed.size(); ++i) distinct += i == 0 || filed[i].piece != filed[i - 1].piece;
-  const unsigned slotBits = Log2Ceiling(2 * distinct);
-  slotShift_ = 64 - slotBits;
-  slots_.assign(std::size_t{1} << slotBits, Slot{});
-  const unsigned bloomBits = std::max(6u, Log2Ceiling(distinct * kBloomBitsPerPiece / 64));
-  bloomShift_ = 64 - bloomBits;
-  bloom_.assign(std::size_t{1} << bloomBits, 0);
+  for (std::size_t index = 0; index < passes_.size(); ++index) {
+    Pass& pass = passes_[index];
+    auto& entries = filed[index];
+    // In the order of their hash, which is that of their slots and filter
+    // words: the tables fill front to back rather than at random.
+    std::sort(entries.begin(), entries.end(), [](const Filed& a, const Filed& b) {
+      return a.mixed != b.mixed ? a.mixed < b.mixed : a.window < b.window;
+    });
+    std::size_t distinct = 0;
+    for (std::size_t i = 0; i < entries.size(); ++i) distinct += i == 0 || entries[i].window != entries[i - 1].window;
+    // At most three slots in four taken.
+    const unsigned slotBits = Log2Ceiling(distinct + distinct / 3 + 1);
+    pass.slotShift = 64 - slotBits;
+    pass.slots.assign(std::size_t{1} << slotBits, Slot{});
+    const unsigned bloomBits = std::max(6u, Log2Ceiling(distinct * kBloomBitsPerWindow / 64));
+    pass.bloomShift = 64 - bloomBits;
+    pass.bloom.assign(std::size_t{1} << bloomBits, 0);
 
-  anchors_.reserve(filed.size());
-  for (std::size_t i = 0; i < filed.size();) {
-    const std::uint32_t piece = filed[i].piece;
-    Slot slot{piece, static_cast<std::uint32_t>(anchors_.size()), 0};
-    for (; i < filed.size() && filed[i].piece == piece; ++i) {
-      anchors_.push_back(filed[i].anchor);
-      ++slot.count;
+    pass.anchors.reserve(entries.size());
+    for (std::size_t i = 0; i < entries.size();) {
+      const std::uint64_t window = entries[i].window;
+      Slot slot{window, static_cast<std::uint32_t>(pass.anchors.size()), 0};
+      for (; i < entries.size() && entries[i].window == window; ++i) {
+        pass.anchors.push_back(entries[i].anchor);
+        ++slot.count;
+      }
+      const std::uint64_t mixed = Mix(window);
+      std::size_t at = mixed >> pass.slotShift;
+      while (pass.slots[at].count != 0) at = (at + 1) & (pass.slots.size() - 1);
+      pass.slots[at] = slot;
+      pass.bloom[mixed >> pass.bloomShift] |= (1ull << ((mixed >> 20) & 63)) | (1ull << ((mixed >> 26) & 63));
     }
-    std::size_t at = Mix(piece) >> slotShift_;
-    while (slots_[at].count != 0) at = (at + 1) & (slots_.size() - 1);
-    slots_[at] = slot;
-    const std::uint64_t mixed = Mix(piece);
-    bloom_[mixed >> bloomShift_] |= (1ull << ((mixed >> 20) & 63)) | (1ull << ((mixed >> 26) & 63));
+    entries = {};
   }
+  // The cheapest pass first: it has the fewest windows filed.
+  std::sort(passes_.begin(), passes_.end(),
+            [](const Pass& a, const Pass& b) { return a.anchors.size() < b.anchors.size(); });
 }
 
-const AtomScanner::Slot* AtomScanner::Find(std::uint32_t piece) const {
-  for (std::size_t at = Mix(piece) >> slotShift_;; at = (at + 1) & (slots_.size() - 1)) {
-    const Slot& slot = slots_[at];
+const AtomScanner::Slot* AtomScanner::Pass::Find(std::uint64_t window, std::uint64_t mixed) const {
+  for (std::size_t at = mixed >> slotShift;; at = (at + 1) & (slots.size() - 1)) {
+    const Slot& slot = slots[at];
     if (slot.count == 0) return nullptr;
-    if (slot.piece == piece) return &slot;
+    if (slot.window == window) return &slot;
   }
 }
 
 std::size_t AtomScanner::MemoryBytes() const {
-  return sizeof *this + text_.capacity() + starts_.capacity() * sizeof(std::uint32_t) +
-         anchors_.capacity() * sizeof(Anchor) + slots_.capacity() * sizeof(Slot) +
-         bloom_.capacity() * sizeof(std::uint64_t) +
-         (shortStarts_.capacity() + shortAtoms_.capacity()) * sizeof(std::uint32_t);
+  std::size_t bytes = sizeof *this + text_.capacity() + starts_.capacity() * sizeof(std::uint32_t) +
+                      passes_.capacity() * sizeof(Pass) +
+                      (shortStarts_.capacity() + shortAtoms_.capacity()) * sizeof(std::uint32_t);
+  for (const Pass& pass : passes_) {
+    bytes += pass.anchors.capacity() * sizeof(Anchor) + pass.slots.capacity() * sizeof(Slot) +
+             pass.bloom.capacity() * sizeof(std::uint64_t);
+  }
+  return bytes;
 }
 
 }  // namespace tarnwick::rex

@@ -1,13 +1,26 @@
 // Finds which of many atoms occur in a subject, in one pass over it.
 //
-// An atom of four bytes or more is filed under one four-byte piece of it,
-// the piece that the fewest other atoms share (so a piece every URL holds,
-// such as "http" or ".com", is rarely chosen). The scan reads the subject's
-// four-byte window at each position, asks a small blocked Bloom filter
-// whether any atom is filed under it, and only then looks the window up and
-// compares the atoms filed there in full. Shorter atoms are found by their
-// first byte. Where nothing is filed the cost is a load, a multiplication
-// and a bit test per position.
+// An atom of four bytes or more is looked for through windows of the
+// subject, eight or four bytes wide, taken not at every position but at
+// every `step`-th one: an occurrence of an atom of length L covers every
+// window from its start to L - width further on, so with a step S of at most
+// L - width + 1 one of the sampled windows lies wholly inside it, at one of
+// S offsets from its start. The atom is filed under one window for each of
+// those offsets, the window that the fewest other atoms share (so a piece
+// every URL holds, such as "https://" or ".com/", is rarely chosen). Each
+// atom gets the longest step its length allows (up to eight) and the wider
+// window where that step is four or more; atoms of the same width and step
+// form one pass, and a pass joins one of narrower windows or a shorter step
+// where one pass costs less than two (a handful of atoms does not pay for a
+// walk of its own over the subject). A pass reads its windows, asks a small
+// blocked Bloom filter whether any atom is filed under each, and only then
+// looks the window up and, for the atoms filed there whose last four bytes
+// are in place, compares them in full. Atoms under four bytes are found by
+// their first byte.
+//
+// For a URL of 80 bytes and atoms of the length of host names, that is ten
+// windows, where nothing is filed a load, a multiplication and a bit test
+// each.
 #pragma once
 
 #include <array>
@@ -34,65 +47,110 @@ class AtomScanner {
  private:
   struct Anchor {
     std::uint32_t atom;
-    std::uint32_t offset;  // of the piece in the atom
+    std::uint32_t offset;  // of the window in the atom
+    std::uint32_t length;  // of the atom
+    // The atom's last four bytes: most windows that match without the atom
+    // differ there, which the subject's bytes near the window tell without
+    // reading the atom itself.
+    std::uint32_t tail;
   };
   struct Slot {
-    std::uint32_t piece = 0;
-    std::uint32_t first = 0;  // into anchors_
+    std::uint64_t window = 0;
+    std::uint32_t first = 0;  // into anchors
     std::uint32_t count = 0;  // 0: an empty slot
   };
+  // The atoms read through windows `width` bytes wide at every `step`-th
+  // position of the subject.
+  struct Pass {
+    unsigned width = 8;
+    unsigned step = 1;
+    std::vector<Anchor> anchors;  // grouped by window
+    std::vector<Slot> slots;      // open addressing by window
+    std::vector<std::uint64_t> bloom;
+    unsigned bloomShift = 64;
+    unsigned slotShift = 64;
 
-  static std::uint32_t Piece(const char* at) {
-    std::uint32_t piece;
-    std::memcpy(&piece, at, sizeof piece);
-    return piece;
+    // Whether some atom may be filed under the window whose Mix is `mixed`.
+    bool MayHold(std::uint64_t mixed) const {
+      const std::uint64_t word = bloom[mixed >> bloomShift];
+      return ((word >> ((mixed >> 20) & 63)) & (word >> ((mixed >> 26) & 63)) & 1) != 0;
+    }
+    const Slot* Find(std::uint64_t window, std::uint64_t mixed) const;
+  };
+
+  template <unsigned kWidth>
+  static std::uint64_t Window(const char* at) {
+    if constexpr (kWidth == 8) {
+      std::uint64_t window;
+      std::memcpy(&window, at, sizeof window);
+      return window;
+    } else {
+      std::uint32_t window;
+      std::memcpy(&window, at, sizeof window);
+      return window;
+    }
   }
-  static std::uint64_t Mix(std::uint32_t piece) { return piece * 0x9E3779B97F4A7C15ull; }
-  const Slot* Find(std::uint32_t piece) const;
+  static std::uint64_t Window(const char* at, unsigned width) { return width == 8 ? Window<8>(at) : Window<4>(at); }
+  static std::uint64_t Mix(std::uint64_t window) { return (window ^ (window >> 29)) * 0x9E3779B97F4A7C15ull; }
   bool OccursAt(std::string_view text, std::size_t start, std::uint32_t atom) const {
     const std::size_t length = starts_[atom + 1] - starts_[atom];
     return start + length <= text.size() && std::memcmp(text.data() + start, text_.data() + starts_[atom], length) == 0;
   }
+  template <unsigned kWidth, typename Found>
+  void ScanPass(const Pass& pass, std::string_view text, Found& found) const;
 
   std::string text_;                   // every atom, one after the other
   std::vector<std::uint32_t> starts_;  // atom i is text_[starts_[i], starts_[i+1])
-  std::vector<Anchor> anchors_;        // grouped by piece
-  std::vector<Slot> slots_;            // open addressing by piece
-  std::vector<std::uint64_t> bloom_;
-  unsigned bloomShift_ = 64;
-  unsigned slotShift_ = 64;
+  std::vector<Pass> passes_;
   std::array<bool, 256> shortFirst_{};  // some atom under four bytes starts with this byte
   std::vector<std::uint32_t>
       shortStarts_;  // short atoms by first byte: shortAtoms_[shortStarts_[b], shortStarts_[b+1])
   std::vector<std::uint32_t> shortAtoms_;
 };
 
-template <typename Found>
-void AtomScanner::Scan(std::string_view text, Found&& found) const {
+template <unsigned kWidth, typename Found>
+void AtomScanner::ScanPass(const Pass& pass, std::string_view text, Found& found) const {
   const char* data = text.data();
-  const std::size_t size = text.size();
-  if (!shortAtoms_.empty()) {
-    for (std::size_t at = 0; at < size; ++at) {
-      const auto first = static_cast<unsigned char>(data[at]);
-      if (!shortFirst_[first]) continue;
-      for (std::uint32_t i = shortStarts_[first]; i < shortStarts_[first + 1u]; ++i) {
-        if (OccursAt(text, at, shortAtoms_[i])) found(shortAtoms_[i]);
+  const std::size_t step = pass.step;
+  for (std::size_t at = 0; at + kWidth <= text.size(); at += step) {
+    const std::uint64_t window = Window<kWidth>(data + at);
+    const std::uint64_t mixed = Mix(window);
+    if (!pass.MayHold(mixed)) continue;
+    const Slot* slot = pass.Find(window, mixed);
+    if (slot == nullptr) continue;
+    for (std::uint32_t a = slot->first; a < slot->first + slot->count; ++a) {
+      const Anchor& anchor = pass.anchors[a];
+      if (anchor.offset > at || at - anchor.offset + anchor.length > text.size()) continue;
+      const std::size_t start = at - anchor.offset;
+      if (Window<4>(data + start + anchor.length - 4) == anchor.tail && OccursAt(text, start, anchor.atom)) {
+        found(anchor.atom);
       }
     }
   }
-  if (anchors_.empty() || size < 4) return;
-  const std::uint64_t* bloom = bloom_.data();
-  const unsigned shift = bloomShift_;
-  for (std::size_t at = 0; at + 4 <= size; ++at) {
-    const std::uint32_t piece = Piece(data + at);
-    const std::uint64_t mixed = Mix(piece);
-    const std::uint64_t word = bloom[mixed >> shift];
-    if (((word >> ((mixed >> 20) & 63)) & (word >> ((mixed >> 26) & 63)) & 1) == 0) continue;
-    const Slot* slot = Find(piece);
-    if (slot == nullptr) continue;
-    for (std::uint32_t i = slot->first; i < slot->first + slot->count; ++i) {
-      const Anchor& anchor = anchors_[i];
-      if (anchor.offset <= at && OccursAt(text, at - anchor.offset, anchor.atom)) found(anchor.atom);
+}
+
+template <typename Found>
+void AtomScanner::Scan(std::string_view text, Found&& found) const {
+  if (!shortAtoms_.empty()) {
+    for (std::size_t at = 0; at < text.size(); ++at) {
+      const auto first = static_cast<unsigned char>(text[at]);
+      if (!shortFirst_[first]) continue;
+      for (std::uint32_t i = shortStarts_[first]; i < shortStarts_[first + 1u]; ++i) {
+        const std::uint32_t atom = shortAtoms_[i];
+        // The first byte is in place: the rest, at most two bytes, compared here.
+        const std::size_t length = starts_[atom + 1] - starts_[atom];
+        if (at + length > text.size()) continue;
+        bool occurs = true;
+        for (std::size_t k = 1; k < length && occurs; ++k) occurs = text[at + k] == text_[starts_[atom] + k];
+        if (occurs) found(atom);
+      }
+    }
+  }
+  for (const Pass& pass : passes_) {
+    if (pass.width == 8) {
+      ScanPass<8>(pass, text, found);
+    } else {
+      ScanPass<4>(pass, text, found);
     }
   }
 }

@@ -20,6 +20,9 @@ PatternSet::PatternSet(std::vector<std::string> patterns, std::uint32_t options)
   std::unordered_map<std::string, std::uint32_t> numbers;
   std::vector<std::string> atoms;
   std::vector<std::pair<std::uint32_t, std::uint32_t>> demands;  // (atom, pattern)
+  numbers.reserve(patterns_.size());
+  atoms.reserve(patterns_.size());
+  demands.reserve(patterns_.size());
   for (std::uint32_t index = 0; index < patterns_.size(); ++index) {
     if (patterns_[index].empty()) continue;
     auto required = RequiredAtoms(patterns_[index]);
@@ -73,8 +76,10 @@ std::int32_t PatternSet::FirstMatch(std::string_view subject, std::optional<std:
     candidates_.insert(candidates_.end(), byAtom_.begin() + atomStarts_[atom], byAtom_.begin() + atomStarts_[atom + 1]);
   });
   if (!always_.empty()) candidates_.insert(candidates_.end(), always_.begin(), always_.end());
-  std::sort(candidates_.begin(), candidates_.end());
-  candidates_.erase(std::unique(candidates_.begin(), candidates_.end()), candidates_.end());
+  if (candidates_.size() > 1) {
+    std::sort(candidates_.begin(), candidates_.end());
+    candidates_.erase(std::unique(candidates_.begin(), candidates_.end()), candidates_.end());
+  }
 
   std::string error;
   const auto start = candidates_.empty() ? std::chrono::steady_clock::time_point() : std::chrono::steady_clock::now();

@@ -1,6 +1,7 @@
 #include "RequiredAtoms.h"
 
 #include <algorithm>
+#include <array>
 #include <cctype>
 #include <cstdint>
 #include <cstring>
@@ -34,14 +35,28 @@ Demand Exact(Strings strings) { return {std::move(strings), std::nullopt}; }
 Demand Nothing() { return {}; }
 Demand Empty() { return Exact({std::string()}); }
 
+// The characters that are not literal text outside a class (and NUL).
+constexpr std::array<bool, 256> kSpecial = [] {
+  std::array<bool, 256> special{};
+  for (const char c : std::string_view(".^$|()[]{}*+?", 14)) special[static_cast<unsigned char>(c)] = true;
+  return special;
+}();
+
+// The characters plain in URLs: letters, digits, "/.-_=&?%:+~,;" (and NUL).
+constexpr std::array<bool, 256> kCommonInUrls = [] {
+  std::array<bool, 256> common{};
+  for (int c = 'a'; c <= 'z'; ++c)
+    common[static_cast<std::size_t>(c)] = common[static_cast<std::size_t>(c - 32)] = true;
+  for (int c = '0'; c <= '9'; ++c) common[static_cast<std::size_t>(c)] = true;
+  for (const char c : std::string_view("/.-_=&?%:+~,;", 14)) common[static_cast<unsigned char>(c)] = true;
+  return common;
+}();
+
 // How rare an atom is likely to be in a URL: plain URL characters count 1,
 // others (quotes, angle brackets, parentheses, blanks) 3.
 int Weight(const std::string& atom) {
   int weight = 0;
-  for (const char c : atom) {
-    const bool common = std::isalnum(static_cast<unsigned char>(c)) != 0 || std::strchr("/.-_=&?%:+~,;", c) != nullptr;
-    weight += common ? 1 : 3;
-  }
+  for (const char c : atom) weight += kCommonInUrls[static_cast<unsigned char>(c)] ? 1 : 3;
   return weight;
 }
 
@@ -188,7 +203,7 @@ class Reader {
       c = Peek(1);
       length = 2;
       if (std::isalnum(static_cast<unsigned char>(c)) || c == '\0') return '\0';
-    } else if (std::strchr(".^$|()[]{}*+?", c) != nullptr) {
+    } else if (kSpecial[static_cast<unsigned char>(c)]) {
       return '\0';
     }
     if (static_cast<unsigned char>(c) >= 0x80 || c == '\0') return '\0';

@@ -45,6 +45,19 @@ std::shared_ptr<const CompiledPattern> RexObject::Compiled(std::string_view patt
   return entry.pattern;
 }
 
+const Expression& RexObject::Parsed(std::string_view replacement) {
+  if (const auto found = expressions_.find(replacement); found != expressions_.end()) return found->second;
+  try {
+    auto expression = Expression::Parse(replacement);
+    if (expressions_.size() >= kExpressionsKept) expressions_.clear();
+    return expressions_.emplace(std::string(replacement), std::move(expression)).first->second;
+  } catch (const ExpressionError& failure) {
+    log_.DebugLog("(Rex) Replacement cannot be evaluated (" + std::string(failure.what()) +
+                  "): " + std::string(replacement));
+    throw kit::ComponentError("Replacement expression '" + std::string(replacement) + "': " + failure.what());
+  }
+}
+
 bool RexObject::Finished(MatchOutcome outcome, std::string_view pattern, const std::string& error) {
   if (outcome != MatchOutcome::Failed) return true;
   LogGaveUp(log_, error, pattern);
@@ -79,16 +92,7 @@ Variant RexObject::Match(std::string_view subject, std::string_view pattern, std
 std::string RexObject::Replace(std::string_view subject, std::string_view pattern, std::string_view replacement,
                                std::string_view flags) {
   const Flags parsed = Flags::Parse(flags);
-  std::optional<Expression> expression;
-  if (parsed.evaluate) {
-    try {
-      expression = Expression::Parse(replacement);
-    } catch (const ExpressionError& failure) {
-      log_.DebugLog("(Rex) Replacement cannot be evaluated (" + std::string(failure.what()) +
-                    "): " + std::string(replacement));
-      throw kit::ComponentError("Replacement expression '" + std::string(replacement) + "': " + failure.what());
-    }
-  }
+  const Expression* expression = parsed.evaluate ? &Parsed(replacement) : nullptr;
   const auto compiled = Compiled(pattern, parsed.CompileOptions());
   if (!compiled) return std::string(subject);
 

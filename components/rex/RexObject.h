@@ -43,6 +43,7 @@
 #include <string_view>
 
 #include "Dispatch.h"
+#include "Expression.h"
 #include "Matcher.h"
 #include "PatternCache.h"
 #include "PatternSet.h"
@@ -72,6 +73,9 @@ class RexObject final : public kit::Dispatcher {
  private:
   // The compiled pattern, or nullptr after logging why there is none.
   std::shared_ptr<const CompiledPattern> Compiled(std::string_view pattern, std::uint32_t options);
+  // The replacement expression read, kept for the next call that uses it;
+  // throws kit::ComponentError after logging why it cannot be read.
+  const Expression& Parsed(std::string_view replacement);
   // False after logging why the match gave up.
   bool Finished(MatchOutcome outcome, std::string_view pattern, const std::string& error);
 
@@ -88,6 +92,10 @@ class RexObject final : public kit::Dispatcher {
     PatternSet set;
   };
   std::map<std::string, NamedSet, std::less<>> sets_;
+  // Replacement expressions read before: a few are used over and over (the
+  // decoding of every URL for cross-site scripting).
+  static constexpr std::size_t kExpressionsKept = 64;
+  std::map<std::string, Expression, std::less<>> expressions_;
 };
 
 }  // namespace tarnwick::rex

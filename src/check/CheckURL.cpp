@@ -27,9 +27,11 @@ constexpr std::array<std::string_view, 12> kUncheckedSchemes = {
     "javascript", "jscript", "vbscript", "telnet", "about", "msc", "htc", "hcp", "callto", "ymsgr", "res", "mailto"};
 
 bool MayHaveUncheckedScheme(std::string_view URL) {
-  return std::any_of(kUncheckedSchemes.begin(), kUncheckedSchemes.end(), [URL](std::string_view scheme) {
-    return URL.size() > scheme.size() && URL.starts_with(scheme) && URL[scheme.size()] == ':';
-  });
+  // No scheme holds a ':': the one a URL begins with ends at its first.
+  const auto colon = URL.find(':');
+  if (colon == std::string_view::npos) return false;
+  const std::string_view scheme = URL.substr(0, colon);
+  return std::find(kUncheckedSchemes.begin(), kUncheckedSchemes.end(), scheme) != kUncheckedSchemes.end();
 }
 
 const std::string& UncheckedSchemePattern() {
@@ -98,7 +100,7 @@ bool CheckURL::IsInternetZone(const std::string& URL) {
   try {
     if (!ports_.http.pageFetch) throw RoutineError(91, "Object variable or With block variable not set");
     const std::int32_t zone = PageFetch(*ports_.http.pageFetch).MapZone(URL);
-    ports_.log.DebugLog("(IsInternetZone) got " + std::to_string(zone));
+    if (ports_.log.DebugEnabled()) ports_.log.DebugLog("(IsInternetZone) got " + std::to_string(zone));
     return zone >= 3;
   } catch (const RoutineError&) {
     return !Failed() && Rex(*rexObject_).Test(URL, R"(^(?:https?|ftp):\/\/)");
@@ -118,7 +120,7 @@ void CheckURL::Check(std::string URL, const std::vector<std::uint8_t>& postData,
       outcome_.step = CheckStep::Scheme;
       return;
     }
-    log.DebugLog("(CheckURL) Checking URL: " + URL);
+    if (log.DebugEnabled()) log.DebugLog("(CheckURL) Checking URL: " + URL);
     if (!IsInternetZone(URL)) {
       ports_.CurrentRiskRank = -1;
       std::int32_t zone = -1;
@@ -211,7 +213,8 @@ void CheckURL::URL_Blocked_Locally(const std::string& URL, bool& blocked) {
   } else if (first == kSetOutOfTime) {
     budget_->RanOut("(URL_Blocked_Locally)");
   }
-  ports_.log.DebugLog(std::string("(URL_Blocked_Locally) returning ") + (blocked ? "True" : "False"));
+  if (ports_.log.DebugEnabled())
+    ports_.log.DebugLog(std::string("(URL_Blocked_Locally) returning ") + (blocked ? "True" : "False"));
 }
 
 void CheckURL::NoInformation(std::string text) {

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "support/ReusedArguments.h"
+
 namespace tarnwick {
 namespace {
 
@@ -18,15 +20,13 @@ std::optional<Variant> Rex::Call(std::string_view member, std::span<Variant> arg
 }
 
 bool Rex::Test(std::string_view subject, std::string_view pattern, std::string_view flags) {
-  std::array args{Text(subject), Text(pattern), Text(flags)};
-  const auto answer = Call("Test", args);
+  const auto answer = Call("Test", ReusedArguments({subject, pattern, flags}));
   return answer && std::holds_alternative<bool>(*answer) && std::get<bool>(*answer);
 }
 
 std::optional<std::vector<std::string>> Rex::Match(std::string_view subject, std::string_view pattern,
                                                    std::string_view flags) {
-  std::array args{Text(subject), Text(pattern), Text(flags)};
-  auto answer = Call("Match", args);
+  auto answer = Call("Match", ReusedArguments({subject, pattern, flags}));
   auto* groups = answer ? std::get_if<std::vector<std::string>>(&*answer) : nullptr;
   if (groups == nullptr) return std::nullopt;
   return std::move(*groups);
@@ -34,8 +34,7 @@ std::optional<std::vector<std::string>> Rex::Match(std::string_view subject, std
 
 std::string Rex::Replace(std::string_view subject, std::string_view pattern, std::string_view replacement,
                          std::string_view flags) {
-  std::array args{Text(subject), Text(pattern), Text(replacement), Text(flags)};
-  auto answer = Call("Replace", args);
+  auto answer = Call("Replace", ReusedArguments({subject, pattern, replacement, flags}));
   auto* text = answer ? std::get_if<std::string>(&*answer) : nullptr;
   return text != nullptr ? std::move(*text) : std::string(subject);
 }
@@ -56,7 +55,8 @@ bool Rex::CompileSet(std::string_view name, const std::vector<std::string>& patt
 std::optional<std::int32_t> Rex::FirstMatch(std::string_view name, std::string_view subject, std::string_view tag,
                                             std::chrono::microseconds time) {
   const auto micros = static_cast<std::int32_t>(std::clamp<std::int64_t>(time.count(), 0, INT32_MAX));
-  std::array args{Text(name), Text(subject), Text(tag), Variant(micros)};
+  const auto args = ReusedArguments({name, subject, tag, std::string_view()});
+  args[3] = micros;
   const auto answer = Call("FirstMatch", args);
   if (!answer || !std::holds_alternative<std::int32_t>(*answer)) return std::nullopt;
   return std::get<std::int32_t>(*answer);

@@ -19,6 +19,16 @@ bool HasControlOrHighByte(std::string_view data) {
   });
 }
 
+bool IsHexDigit(char c) { return (c >= '0' && c <= '9') || ((c | 0x20) >= 'a' && (c | 0x20) <= 'f'); }
+
+// A '%' with two hexadecimal digits after it: what the escape step decodes.
+bool HasEscape(std::string_view data) {
+  for (auto at = data.find('%'); at != std::string_view::npos; at = data.find('%', at + 1)) {
+    if (at + 2 < data.size() && IsHexDigit(data[at + 1]) && IsHexDigit(data[at + 2])) return true;
+  }
+  return false;
+}
+
 }  // namespace
 
 void mdlXSS::SetXSSPatterns(std::string_view text) { patterns_.Set(Split(text, "\r\n")); }
@@ -27,7 +37,7 @@ void mdlXSS::SetXSSPatterns(std::string_view text) { patterns_.Set(Split(text, "
 // the step cannot match, and the text would come back unchanged.
 std::string mdlXSS::DecodeForXSS(std::string& data, Rex& rex) {
   if (HasByte(data, '+')) data = rex.Replace(data, R"(\+)", " ", "g");
-  if (HasByte(data, '%')) data = rex.Replace(data, R"(\%([\da-f]{2}))", "chr(hex($1))", "ige");
+  if (HasEscape(data)) data = rex.Replace(data, R"(\%([\da-f]{2}))", "chr(hex($1))", "ige");
   if (HasControlOrHighByte(data)) data = rex.Replace(data, R"([\x00-\x08\x0e-\x1f\x7f-\xff])", "", "g");
   if (data.find("&#") != std::string::npos) {
     data = rex.Replace(data, R"(&#(?:x([\da-f]*)|([\d]*));?)", "chr($1 ? hex($1) : $2)", "ige");
@@ -37,7 +47,7 @@ std::string mdlXSS::DecodeForXSS(std::string& data, Rex& rex) {
 }
 
 bool mdlXSS::Contains_XSS(std::string& data, Rex& rex, PatternBudget& budget) {
-  log_.DebugLog("(Contains_XSS) Data: " + data);
+  if (log_.DebugEnabled()) log_.DebugLog("(Contains_XSS) Data: " + data);
   if (data.empty() || !options_.BlockXSS) return false;
   DecodeForXSS(data, rex);
   const std::int32_t first = patterns_.FirstMatch(rex, data, budget);

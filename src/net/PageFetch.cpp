@@ -2,6 +2,8 @@
 
 #include <array>
 
+#include "support/ReusedArguments.h"
+
 namespace tarnwick {
 namespace {
 
@@ -75,8 +77,7 @@ void PageFetch::RetrieveAsyncWait(std::int32_t milliseconds) {
 }
 
 std::int32_t PageFetch::MapZone(const std::string& url) {
-  std::array<Variant, 1> args{url};
-  return As<std::int32_t>(Call("MapZone", args), "MapZone");
+  return As<std::int32_t>(Call("MapZone", ReusedArguments({url})), "MapZone");
 }
 
 }  // namespace tarnwick

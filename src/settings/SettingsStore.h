@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -52,6 +53,11 @@ class SettingsStore {
   virtual long OpenKey(Root root, std::string_view path, Access access, std::unique_ptr<RegistryKey>& key) = 0;
   // Opens the key, creating it (and the keys above it) when missing.
   virtual long CreateKey(Root root, std::string_view path, std::unique_ptr<RegistryKey>& key) = 0;
+  // A number that changes whenever the values under `root` may have changed
+  // (another program's writes included) since it was last asked; nullopt
+  // when the store cannot tell without reading them, and then a caller that
+  // keeps values must read them again.
+  virtual std::optional<std::uint64_t> Revision(Root /*root*/) { return std::nullopt; }
   // Where to tell the person, once, that the store's file cannot be read (a
   // command line prints it); the debug log has it either way. A store
   // without a file of its own never calls it.

@@ -14,6 +14,7 @@
 #include <system_error>
 
 #include "settings/RegFile.h"
+#include "settings/file_watch_posix.h"
 #include "support/Log.h"
 #include "support/ReplaceFile.h"
 #include "support/SystemCalls.h"
@@ -156,6 +157,17 @@ class RegFileStore final : public SettingsStore {
 
   void ReportProblemsTo(std::function<void(const std::string&)> report) override { report_ = std::move(report); }
 
+  // The file is read again (one stat, and a parse when it changed) only when
+  // the watch on it says it may have changed.
+  std::optional<std::uint64_t> Revision(Root root) override {
+    RootFile& rootFile = roots_[static_cast<std::size_t>(root)];
+    if (!rootFile.watch) rootFile.watch = std::make_unique<FileWatch>(rootFile.path);
+    if (rootFile.watch->Unchanged()) return rootFile.revision;
+    long status = kErrorSuccess;
+    Load(root, status);
+    return rootFile.revision;
+  }
+
   // Whether a parse kept from before will do, or the file is read again.
   enum class Reading { Cached, Fresh };
 
@@ -191,7 +203,7 @@ class RegFileStore final : public SettingsStore {
     auto file = std::make_shared<const RegFile>(RegFile::Parse(content));
     ReportUnreadableLines(rootFile, *file);
     rootFile.problem.clear();
-    rootFile.cached = file;
+    Keep(rootFile, file);
     rootFile.identity = identity;
     return file;
   }
@@ -225,8 +237,15 @@ class RegFileStore final : public SettingsStore {
     std::filesystem::path path;
     std::shared_ptr<const RegFile> cached;
     std::optional<FileIdentity> identity;
-    std::string problem;  // the last one reported
+    std::string problem;               // the last one reported
+    std::uint64_t revision = 0;        // counts the changes of `cached`
+    std::unique_ptr<FileWatch> watch;  // made when a revision is first asked
   };
+
+  static void Keep(RootFile& rootFile, std::shared_ptr<const RegFile> file) {
+    rootFile.cached = std::move(file);
+    ++rootFile.revision;
+  }
 
   static std::string FullPath(Root root, std::string_view path) {
     return path.empty() ? RootName(root) : RootName(root) + "\\" + std::string(path);
@@ -256,7 +275,7 @@ class RegFileStore final : public SettingsStore {
     // Still under the lock: nobody else can have replaced it since.
     struct stat info {};
     if (::stat(rootFile.path.c_str(), &info) == 0) {
-      rootFile.cached = std::make_shared<const RegFile>(std::move(content));
+      Keep(rootFile, std::make_shared<const RegFile>(std::move(content)));
       rootFile.identity = FileIdentity::Of(info);
     }
     return kErrorSuccess;
@@ -265,13 +284,13 @@ class RegFileStore final : public SettingsStore {
   // A missing file is an empty registry.
   static std::shared_ptr<const RegFile> Missing(RootFile& rootFile) {
     rootFile.problem.clear();
-    if (!rootFile.cached || rootFile.identity) rootFile.cached = std::make_shared<const RegFile>();
+    if (!rootFile.cached || rootFile.identity) Keep(rootFile, std::make_shared<const RegFile>());
     rootFile.identity.reset();
     return rootFile.cached;
   }
 
   void Unreadable(RootFile& rootFile, const std::string& reason) {
-    rootFile.cached.reset();
+    if (rootFile.cached) Keep(rootFile, nullptr);
     rootFile.identity.reset();
     const std::string problem = "Cannot read " + rootFile.path.string() + ": " + reason +
                                 " (the defaults are used, and nothing is written over it)";

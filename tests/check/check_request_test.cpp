@@ -39,6 +39,35 @@ TEST(ZoneMapTest, EveryNumericFormOfAnAddressIsInTheInternetZone) {
   }
 }
 
+// Without lists most hosts are answered from the URL as written; a list that
+// covers none of them makes every host be decoded first: the answers agree.
+TEST(ZoneMapTest, HostsAnsweredWithoutDecodingGetTheDecodedHostsZone) {
+  const pagefetch::ZoneLists none;
+  const pagefetch::ZoneLists unrelated{"unrelated.invalid", "", ""};
+  for (const char* url : {"http://www.example.com/a.b",
+                          "HTTPS://WWW.EXAMPLE.COM:8443/",
+                          "http://a.b@intranet/x.y",
+                          "http://intranet@a.b/",
+                          "http://intranet:80.1/",
+                          "http://intranet/?q=a.b",
+                          "http://intranet#a.b",
+                          "http://x%2ey/",
+                          "http://%2e/",
+                          "http://./",
+                          "http://[::1]/",
+                          "http://[a.b]/",
+                          "ftp://a.b",
+                          "http://.",
+                          "http://",
+                          "a.b",
+                          "file://a.b/",
+                          "//a.b/",
+                          "http:/a.b/",
+                          "http://a.b\\c/"}) {
+    EXPECT_EQ(MapZone(url, none), MapZone(url, unrelated)) << url;
+  }
+}
+
 TEST(ZoneMapTest, ListsNameAddressesInAnyForm) {
   const pagefetch::ZoneLists lists{"0x08080808", "", "1.1.1.1"};
   EXPECT_EQ(MapZone("http://8.8.8.8/", lists), pagefetch::kZoneTrusted);

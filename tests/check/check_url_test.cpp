@@ -21,6 +21,37 @@ TEST_F(CheckUrlTest, TheSchemeFilterIsCaseSensitive) {
   EXPECT_EQ(checker.LastOutcome().step, CheckStep::Xss);
 }
 
+// The filter asks the component only about URLs that may match; those it
+// leaves out the pattern would not have matched either.
+TEST_F(CheckUrlTest, TheSchemeFilterAnswersAsItsPatternDoes) {
+  Rex rex(*rexObject);
+  const std::string pattern = "^(javascript|jscript|vbscript|telnet|about|msc|htc|hcp|callto|ymsgr|res|mailto):";
+  for (const char* url : {"mailto:a@b",
+                          "mailto",
+                          "mailto:",
+                          "xmailto:a",
+                          "res:",
+                          "res",
+                          "resx:",
+                          ":",
+                          "",
+                          "hcp://x",
+                          "HCP://x",
+                          "about:blank",
+                          "ymsgr:a:b",
+                          "http://a/?u=javascript:x",
+                          "javascript::",
+                          "jscript:1",
+                          "vbscript:",
+                          "telnet:/",
+                          "msc:",
+                          "htc:",
+                          "callto:1",
+                          " mailto:a"}) {
+    EXPECT_EQ(CheckURL::HasUncheckedScheme(url, rex), rex.Test(url, pattern)) << url;
+  }
+}
+
 TEST_F(CheckUrlTest, SitesOutsideTheInternetZoneGetTheirZoneText) {
   zones.trusted = "bank.example";
   const std::pair<const char*, const char*> cases[] = {

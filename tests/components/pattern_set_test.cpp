@@ -87,12 +87,14 @@ TEST(AtomScannerTest, FindsEveryOccurrenceANaiveSearchFinds) {
     for (std::size_t i = 0; i < length; ++i) out += "abc./"[random() % 5];
     return out;
   };
-  for (int round = 0; round < 40; ++round) {
+  // Every length from the short atoms found by their first byte to those
+  // read through windows eight bytes apart, in subjects whose windows repeat.
+  for (int round = 0; round < 60; ++round) {
     std::vector<std::string> atoms;
-    for (int i = 0; i < 60; ++i) atoms.push_back(text(1 + random() % 8));
+    for (int i = 0; i < 60; ++i) atoms.push_back(text(1 + random() % 24));
     const rex::AtomScanner scanner(atoms);
     for (int probe = 0; probe < 20; ++probe) {
-      const std::string subject = text(random() % 60);
+      const std::string subject = text(random() % 120);
       std::multiset<std::uint32_t> expected;
       for (std::uint32_t atom = 0; atom < atoms.size(); ++atom) {
         for (auto at = subject.find(atoms[atom]); at != std::string::npos; at = subject.find(atoms[atom], at + 1)) {
@@ -103,6 +105,35 @@ TEST(AtomScannerTest, FindsEveryOccurrenceANaiveSearchFinds) {
       scanner.Scan(subject, [&](std::uint32_t atom) { found.insert(atom); });
       ASSERT_EQ(found, expected) << subject;
     }
+  }
+}
+
+// Enough long atoms that their windows are read eight positions apart in a
+// walk of their own, beside shorter ones; subjects made of atoms at every
+// alignment.
+TEST(AtomScannerTest, LargeSetsFindEveryOccurrenceToo) {
+  std::mt19937 random(11);
+  const auto text = [&](std::size_t length) {
+    std::string out;
+    for (std::size_t i = 0; i < length; ++i) out += "abcd./-"[random() % 7];
+    return out;
+  };
+  std::vector<std::string> atoms;
+  for (int i = 0; i < 4000; ++i) atoms.push_back(text(15 + random() % 10));
+  for (int i = 0; i < 200; ++i) atoms.push_back(text(1 + random() % 14));
+  const rex::AtomScanner scanner(atoms);
+  for (int probe = 0; probe < 60; ++probe) {
+    std::string subject = text(random() % 9);
+    while (subject.size() < 160) subject += random() % 3 ? atoms[random() % atoms.size()] : text(random() % 5);
+    std::multiset<std::uint32_t> expected;
+    for (std::uint32_t atom = 0; atom < atoms.size(); ++atom) {
+      for (auto at = subject.find(atoms[atom]); at != std::string::npos; at = subject.find(atoms[atom], at + 1)) {
+        expected.insert(atom);
+      }
+    }
+    std::multiset<std::uint32_t> found;
+    scanner.Scan(subject, [&](std::uint32_t atom) { found.insert(atom); });
+    ASSERT_EQ(found, expected) << subject;
   }
 }
 
@@ -125,7 +156,17 @@ struct Generated {
 };
 
 Generated Generate(unsigned seed) {
-  static const char* const kWords[] = {"paypa1", "Secure", "login", "bank", "example", "a", "xn--app1e", "wp-admin"};
+  static const char* const kWords[] = {"paypa1",
+                                       "Secure",
+                                       "login",
+                                       "bank",
+                                       "example",
+                                       "a",
+                                       "xn--app1e",
+                                       "wp-admin",
+                                       "account-verify-7",
+                                       "signin-Update.example.com",
+                                       "secure-bank-login.example"};
   static const char* const kPieces[] = {
       "\\.",      ".",         "[^/]*", "(?:www\\.)?", "(a|b)",          "https?://", "^",       "$",
       "\\d+",     "(?i)",      "(?-i)", "\\Qa.b\\E",   "x{2,3}",         "(?=ban)",   "(?!ban)", "(?<=/)",

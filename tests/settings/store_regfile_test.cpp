@@ -3,6 +3,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <fstream>
 #include <iterator>
@@ -156,6 +157,45 @@ TEST_F(RegFileStoreTest, TheFileIsReadOnceWhileItDoesNotChange) {
   mdlRegistry::SaveSetting(*store, kSettingsKey, "BarHeight", std::string("45"), kRegSz);
   LoadOptions(*reader, ui, 1000, options);
   EXPECT_EQ(options.BarHeight, 45);
+}
+
+// A revision tells a reader that keeps values (the zone lists, asked for at
+// every navigation) when to read them again: it moves with every change,
+// whoever makes it and however, and stays while nothing changes.
+TEST_F(RegFileStoreTest, TheRevisionMovesWithEveryChangeToTheFile) {
+  const auto revision = [&] { return store->Revision(Root::CurrentUser); };
+  const auto first = revision();
+  ASSERT_TRUE(first);  // the folders do not exist yet: their creation is watched too
+  EXPECT_EQ(revision(), first);
+
+  auto other = MakeRegFileStore(userFile, machineFile, log);  // another program
+  std::vector<std::optional<std::uint64_t>> seen{first};
+  const auto changed = [&](const char* what) {
+    const auto now = revision();
+    EXPECT_TRUE(std::find(seen.begin(), seen.end(), now) == seen.end()) << what;
+    EXPECT_EQ(revision(), now) << what;
+    seen.push_back(now);
+  };
+  mdlRegistry::SaveSetting(*other, kSettingsKey, "TrustedSites", std::string("bank.example"), kRegSz);
+  changed("created by another store");
+  mdlRegistry::SaveSetting(*store, kSettingsKey, "TrustedSites", std::string("news.example"), kRegSz);
+  changed("written by this store");
+  std::ofstream(userFile, std::ios::app) << "\n";
+  changed("written in place");
+  ::chmod(userFile.c_str(), 0);
+  ::chmod(userFile.c_str(), 0600);
+  std::ofstream(dir / "replacement") << "Windows Registry Editor Version 5.00\n";
+  std::filesystem::rename(dir / "replacement", userFile);
+  changed("replaced by a rename");
+  std::filesystem::rename(dir / "config", dir / "elsewhere");
+  changed("its folder renamed away");
+  std::filesystem::rename(dir / "elsewhere", dir / "config");
+  changed("its folder back");
+  std::filesystem::remove(userFile);
+  changed("removed");
+  std::filesystem::create_directory(userFile);
+  changed("a directory in its place");
+  EXPECT_EQ(mdlRegistry::GetSetting(*store, kSettingsKey, "TrustedSites", 0), SettingValue(0));
 }
 
 TEST_F(RegFileStoreTest, LocalMachineKeysCannotBeWrittenWithoutTheSystemFolder) {
