@@ -98,8 +98,9 @@ bool FileWatch::Changed() {
       std::memcpy(&event, buffer + at, sizeof event);
       const char* name = buffer + at + sizeof event;
       at += static_cast<ssize_t>(sizeof event + event.len);
-      const auto watch =
-          std::find_if(watches_.begin(), watches_.end(), [&](const auto& entry) { return entry.first == event.wd; });
+      const int descriptor = event.wd;
+      const auto watch = std::find_if(watches_.begin(), watches_.end(),
+                                      [descriptor](const auto& entry) { return entry.first == descriptor; });
       // An event of the folder itself (no name), a lost event, a watch
       // gone, or one for the name on the way.
       changed = changed || event.len == 0 || (event.mask & (IN_Q_OVERFLOW | IN_IGNORED)) != 0 ||
