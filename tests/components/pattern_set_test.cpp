@@ -80,6 +80,23 @@ TEST(AtomScannerTest, FoldingEightBytesAtATimeFoldsEachByteAlone) {
   }
 }
 
+// Each occurrence of each atom in the subject, by its number.
+std::multiset<std::uint32_t> NaiveSearch(const std::vector<std::string>& atoms, const std::string& subject) {
+  std::multiset<std::uint32_t> occurrences;
+  for (std::uint32_t atom = 0; atom < atoms.size(); ++atom) {
+    for (auto at = subject.find(atoms[atom]); at != std::string::npos; at = subject.find(atoms[atom], at + 1)) {
+      occurrences.insert(atom);
+    }
+  }
+  return occurrences;
+}
+
+std::multiset<std::uint32_t> Found(const rex::AtomScanner& scanner, const std::string& subject) {
+  std::multiset<std::uint32_t> found;
+  scanner.Scan(subject, [&](std::uint32_t atom) { found.insert(atom); });
+  return found;
+}
+
 TEST(AtomScannerTest, FindsEveryOccurrenceANaiveSearchFinds) {
   std::mt19937 random(7);
   const auto text = [&](std::size_t length) {
@@ -95,15 +112,7 @@ TEST(AtomScannerTest, FindsEveryOccurrenceANaiveSearchFinds) {
     const rex::AtomScanner scanner(atoms);
     for (int probe = 0; probe < 20; ++probe) {
       const std::string subject = text(random() % 120);
-      std::multiset<std::uint32_t> expected;
-      for (std::uint32_t atom = 0; atom < atoms.size(); ++atom) {
-        for (auto at = subject.find(atoms[atom]); at != std::string::npos; at = subject.find(atoms[atom], at + 1)) {
-          expected.insert(atom);
-        }
-      }
-      std::multiset<std::uint32_t> found;
-      scanner.Scan(subject, [&](std::uint32_t atom) { found.insert(atom); });
-      ASSERT_EQ(found, expected) << subject;
+      ASSERT_EQ(Found(scanner, subject), NaiveSearch(atoms, subject)) << subject;
     }
   }
 }
@@ -125,15 +134,7 @@ TEST(AtomScannerTest, LargeSetsFindEveryOccurrenceToo) {
   for (int probe = 0; probe < 60; ++probe) {
     std::string subject = text(random() % 9);
     while (subject.size() < 160) subject += random() % 3 ? atoms[random() % atoms.size()] : text(random() % 5);
-    std::multiset<std::uint32_t> expected;
-    for (std::uint32_t atom = 0; atom < atoms.size(); ++atom) {
-      for (auto at = subject.find(atoms[atom]); at != std::string::npos; at = subject.find(atoms[atom], at + 1)) {
-        expected.insert(atom);
-      }
-    }
-    std::multiset<std::uint32_t> found;
-    scanner.Scan(subject, [&](std::uint32_t atom) { found.insert(atom); });
-    ASSERT_EQ(found, expected) << subject;
+    ASSERT_EQ(Found(scanner, subject), NaiveSearch(atoms, subject)) << subject;
   }
 }
 
