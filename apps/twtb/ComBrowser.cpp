@@ -70,15 +70,17 @@ std::string BlockPageAddress() {
   return "res://" + std::string(name, length) + "/phishingsite.htm";
 }
 
-// The report form's submit handler: a script calls it with DISPID_VALUE.
-class SubmitHandler final : public IDispatch, private Counted {
+// An IDispatch that is only ever invoked by number (an event sink, a script's
+// handler): no type information and no names. It answers to IUnknown,
+// IDispatch and, when given, one interface ID more.
+class InvokedByNumber : public IDispatch, private Counted {
  public:
-  explicit SubmitHandler(BandLink band) : band_(std::move(band)) {}
+  explicit InvokedByNumber(const IID* alsoAnswers = nullptr) : alsoAnswers_(alsoAnswers) {}
   ULONG STDMETHODCALLTYPE AddRef() override { return AddReference(); }
   ULONG STDMETHODCALLTYPE Release() override { return ReleaseReference(); }
   HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override {
     if (out == nullptr) return E_POINTER;
-    if (iid != IID_IUnknown && iid != IID_IDispatch) {
+    if (iid != IID_IUnknown && iid != IID_IDispatch && (alsoAnswers_ == nullptr || iid != *alsoAnswers_)) {
       *out = nullptr;
       return E_NOINTERFACE;
     }
@@ -94,6 +96,15 @@ class SubmitHandler final : public IDispatch, private Counted {
   HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {
     return DISP_E_UNKNOWNNAME;
   }
+
+ private:
+  const IID* alsoAnswers_;
+};
+
+// The report form's submit handler: a script calls it with DISPID_VALUE.
+class SubmitHandler final : public InvokedByNumber {
+ public:
+  explicit SubmitHandler(BandLink band) : band_(std::move(band)) {}
   HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*) override {
     if (id != DISPID_VALUE) return DISP_E_MEMBERNOTFOUND;
     if (*band_ != nullptr) (*band_)->guard().oForm_onsubmit();
@@ -108,31 +119,10 @@ class SubmitHandler final : public IDispatch, private Counted {
 
 // DWebBrowserEvents2, as the browser raises its events: each goes to the
 // guard, and a Cancel the guard set goes back to the browser.
-class ComBrowser::EventSink final : public IDispatch, private Counted {
+class ComBrowser::EventSink final : public InvokedByNumber {
  public:
-  explicit EventSink(ComBrowser& owner) : owner_(&owner) {}
+  explicit EventSink(ComBrowser& owner) : InvokedByNumber(&DIID_DWebBrowserEvents2), owner_(&owner) {}
   void Detach() { owner_ = nullptr; }
-
-  ULONG STDMETHODCALLTYPE AddRef() override { return AddReference(); }
-  ULONG STDMETHODCALLTYPE Release() override { return ReleaseReference(); }
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override {
-    if (out == nullptr) return E_POINTER;
-    if (iid != IID_IUnknown && iid != IID_IDispatch && iid != DIID_DWebBrowserEvents2) {
-      *out = nullptr;
-      return E_NOINTERFACE;
-    }
-    *out = static_cast<IDispatch*>(this);
-    AddRef();
-    return S_OK;
-  }
-  HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
-    if (count != nullptr) *count = 0;
-    return S_OK;
-  }
-  HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {
-    return DISP_E_UNKNOWNNAME;
-  }
 
   HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS* parameters, VARIANT*, EXCEPINFO*,
                                    UINT*) override {
