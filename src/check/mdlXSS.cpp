@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "support/Hex.h"
 #include "support/PatternSetAnswer.h"
 #include "support/Text.h"
 
@@ -19,12 +20,10 @@ bool HasControlOrHighByte(std::string_view data) {
   });
 }
 
-bool IsHexDigit(char c) { return (c >= '0' && c <= '9') || ((c | 0x20) >= 'a' && (c | 0x20) <= 'f'); }
-
 // A '%' with two hexadecimal digits after it: what the escape step decodes.
 bool HasEscape(std::string_view data) {
   for (auto at = data.find('%'); at != std::string_view::npos; at = data.find('%', at + 1)) {
-    if (at + 2 < data.size() && IsHexDigit(data[at + 1]) && IsHexDigit(data[at + 2])) return true;
+    if (at + 2 < data.size() && HexByte(data[at + 1], data[at + 2])) return true;
   }
   return false;
 }
