@@ -45,6 +45,10 @@ class Arguments {
   std::size_t size() const { return values_.size(); }
   // Argument `index` as it arrived; empty when absent.
   Variant Get(std::size_t index) const { return index < values_.size() ? values_[index] : Variant(); }
+  // Whether argument `index` is there and not empty.
+  bool Given(std::size_t index) const {
+    return index < values_.size() && !std::holds_alternative<std::monostate>(values_[index]);
+  }
   // Argument `index` as text, coerced as Automation coerces: "True"/"False",
   // numbers in decimal, "" for an argument that is absent or empty.
   std::string Text(std::size_t index) const;

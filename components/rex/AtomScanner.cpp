@@ -240,6 +240,23 @@ const AtomScanner::Slot* AtomScanner::Pass::Find(std::uint64_t window, std::uint
   }
 }
 
+bool AtomScanner::OccursAt(std::string_view text, std::size_t start, std::uint32_t atom) const {
+  const char* atomText = text_.data() + starts_[atom];
+  const std::size_t length = starts_[atom + 1] - starts_[atom];
+  if (start + length > text.size()) return false;
+  const char* subject = text.data() + start;
+  std::size_t at = 0;
+  for (; at + 8 <= length; at += 8) {
+    std::uint64_t expected;
+    std::memcpy(&expected, atomText + at, sizeof expected);
+    if (Window<8>(subject + at) != expected) return false;
+  }
+  for (; at < length; ++at) {
+    if (FoldByte(subject[at]) != atomText[at]) return false;
+  }
+  return true;
+}
+
 std::size_t AtomScanner::MemoryBytes() const {
   std::size_t bytes = sizeof *this + text_.capacity() + starts_.capacity() * sizeof(std::uint32_t) +
                       passes_.capacity() * sizeof(Pass) +

@@ -1,4 +1,5 @@
-// Finds which of many atoms occur in a subject, in one pass over it.
+// Finds which of many atoms occur in a subject, in one pass over it, with
+// ASCII letters compared without regard to case (the atoms are lower case).
 //
 // An atom of four bytes or more is looked for through windows of the
 // subject, eight or four bytes wide, taken not at every position but at
@@ -30,11 +31,14 @@
 #include <string_view>
 #include <vector>
 
+#include "Fold.h"
+
 namespace tarnwick::rex {
 
 class AtomScanner {
  public:
-  // The atoms must be non-empty; an atom's number is its index here.
+  // The atoms must be non-empty and without upper-case ASCII letters; an
+  // atom's number is its index here.
   explicit AtomScanner(const std::vector<std::string>& atoms);
 
   // Calls found(number) for every occurrence of an atom in `text` (an atom
@@ -78,24 +82,22 @@ class AtomScanner {
     const Slot* Find(std::uint64_t window, std::uint64_t mixed) const;
   };
 
+  // The bytes at `at`, folded to lower case.
   template <unsigned kWidth>
   static std::uint64_t Window(const char* at) {
     if constexpr (kWidth == 8) {
       std::uint64_t window;
       std::memcpy(&window, at, sizeof window);
-      return window;
+      return FoldWord(window);
     } else {
       std::uint32_t window;
       std::memcpy(&window, at, sizeof window);
-      return window;
+      return static_cast<std::uint32_t>(FoldWord(window));
     }
   }
   static std::uint64_t Window(const char* at, unsigned width) { return width == 8 ? Window<8>(at) : Window<4>(at); }
   static std::uint64_t Mix(std::uint64_t window) { return (window ^ (window >> 29)) * 0x9E3779B97F4A7C15ull; }
-  bool OccursAt(std::string_view text, std::size_t start, std::uint32_t atom) const {
-    const std::size_t length = starts_[atom + 1] - starts_[atom];
-    return start + length <= text.size() && std::memcmp(text.data() + start, text_.data() + starts_[atom], length) == 0;
-  }
+  bool OccursAt(std::string_view text, std::size_t start, std::uint32_t atom) const;
   template <unsigned kWidth, typename Found>
   void ScanPass(const Pass& pass, std::string_view text, Found& found) const;
 
@@ -133,7 +135,7 @@ template <typename Found>
 void AtomScanner::Scan(std::string_view text, Found&& found) const {
   if (!shortAtoms_.empty()) {
     for (std::size_t at = 0; at < text.size(); ++at) {
-      const auto first = static_cast<unsigned char>(text[at]);
+      const auto first = static_cast<unsigned char>(FoldByte(text[at]));
       if (!shortFirst_[first]) continue;
       for (std::uint32_t i = shortStarts_[first]; i < shortStarts_[first + 1u]; ++i) {
         const std::uint32_t atom = shortAtoms_[i];
@@ -141,7 +143,7 @@ void AtomScanner::Scan(std::string_view text, Found&& found) const {
         const std::size_t length = starts_[atom + 1] - starts_[atom];
         if (at + length > text.size()) continue;
         bool occurs = true;
-        for (std::size_t k = 1; k < length && occurs; ++k) occurs = text[at + k] == text_[starts_[atom] + k];
+        for (std::size_t k = 1; k < length && occurs; ++k) occurs = FoldByte(text[at + k]) == text_[starts_[atom] + k];
         if (occurs) found(atom);
       }
     }

@@ -68,11 +68,10 @@ const CompiledPattern* PatternSet::Compiled(std::uint32_t index, Log& log) {
   return nullptr;
 }
 
-std::int32_t PatternSet::FirstMatch(std::string_view subject, std::optional<std::chrono::microseconds> time,
-                                    Matcher& matcher, Log& log) {
-  Fold(subject, folded_);
+SetAnswer PatternSet::FirstMatch(std::string_view subject, std::optional<std::chrono::microseconds> time,
+                                 Matcher& matcher, Log& log) {
   candidates_.clear();
-  scanner_->Scan(folded_, [this](std::uint32_t atom) {
+  scanner_->Scan(subject, [this](std::uint32_t atom) {
     candidates_.insert(candidates_.end(), byAtom_.begin() + atomStarts_[atom], byAtom_.begin() + atomStarts_[atom + 1]);
   });
   if (!always_.empty()) candidates_.insert(candidates_.end(), always_.begin(), always_.end());
@@ -81,18 +80,24 @@ std::int32_t PatternSet::FirstMatch(std::string_view subject, std::optional<std:
     candidates_.erase(std::unique(candidates_.begin(), candidates_.end()), candidates_.end());
   }
 
+  if (candidates_.empty()) return {kSetNoMatch};
+  using Clock = std::chrono::steady_clock;
+  const auto start = Clock::now();
+  const auto answer = [&start](std::int32_t index, Clock::time_point now) {
+    return SetAnswer{index, std::chrono::duration_cast<std::chrono::microseconds>(now - start)};
+  };
   std::string error;
-  const auto start = candidates_.empty() ? std::chrono::steady_clock::time_point() : std::chrono::steady_clock::now();
   for (const std::uint32_t index : candidates_) {
-    if (time && std::chrono::steady_clock::now() - start >= *time) return kSetOutOfTime;
+    const auto now = Clock::now();
+    if (time && now - start >= *time) return answer(kSetOutOfTime, now);
     const CompiledPattern* pattern = Compiled(index, log);
     if (pattern == nullptr) continue;
     const MatchOutcome outcome = matcher.ForEachMatch(
         *pattern, subject, false, [](const MatchView&) {}, error);
-    if (outcome == MatchOutcome::Matched) return static_cast<std::int32_t>(index);
+    if (outcome == MatchOutcome::Matched) return answer(static_cast<std::int32_t>(index), Clock::now());
     if (outcome == MatchOutcome::Failed) LogGaveUp(log, error, patterns_[index]);
   }
-  return kSetNoMatch;
+  return answer(kSetNoMatch, Clock::now());
 }
 
 std::size_t PatternSet::MemoryBytes() const {

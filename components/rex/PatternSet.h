@@ -3,9 +3,10 @@
 // a time answer, fast enough for lists of a hundred thousand lines.
 //
 // Building reads the atoms each pattern demands (RequiredAtoms.h) and files
-// them in one scanner; nothing is compiled yet. A question folds the subject
-// to lower case, scans it once for atoms, and runs, in list order, only the
-// patterns whose atoms occur and those without a usable atom, each compiled
+// them in one scanner; nothing is compiled yet. A question scans the
+// subject once for atoms, folded to lower case as it is read, and runs, in
+// list order, only the patterns whose atoms occur and those without a
+// usable atom, each compiled
 // (to machine code where PCRE2 can) the first time it runs. The answer is
 // the one the patterns tried one by one in order would give: empty patterns
 // are skipped, one that does not compile or runs into a limit counts as no
@@ -13,7 +14,9 @@
 // scan rules out could not have matched.
 //
 // The questions may be given a time: patterns run until it is spent, and
-// the answer is then kSetOutOfTime, unless the scan alone settles it.
+// the answer is then kSetOutOfTime, unless the scan alone settles it. Each
+// answer says how long patterns ran, so that the caller need not time a
+// question that the scan alone answered.
 #pragma once
 
 #include <chrono>
@@ -32,15 +35,22 @@
 
 namespace tarnwick::rex {
 
+// The index of the first pattern that matches, kSetNoMatch or kSetOutOfTime,
+// and how long patterns ran to find it (zero where none ran).
+struct SetAnswer {
+  std::int32_t index;
+  std::chrono::microseconds spent{0};
+};
+
 class PatternSet {
  public:
   // The patterns in order, and PCRE2's compile options for each.
   PatternSet(std::vector<std::string> patterns, std::uint32_t options);
 
-  // The index of the first pattern that matches `subject`, kSetNoMatch, or
-  // kSetOutOfTime when `time` ran out before it was known.
-  std::int32_t FirstMatch(std::string_view subject, std::optional<std::chrono::microseconds> time, Matcher& matcher,
-                          Log& log);
+  // The first pattern that matches `subject`; kSetOutOfTime when `time` ran
+  // out before it was known.
+  SetAnswer FirstMatch(std::string_view subject, std::optional<std::chrono::microseconds> time, Matcher& matcher,
+                       Log& log);
 
   std::size_t size() const { return patterns_.size(); }
   // Non-empty patterns without a usable atom: these run for every subject.
@@ -62,9 +72,7 @@ class PatternSet {
   std::vector<std::uint32_t> byAtom_;
   std::unique_ptr<AtomScanner> scanner_;
   std::size_t compiledBytes_ = 0;
-  // Reused between questions.
-  std::string folded_;
-  std::vector<std::uint32_t> candidates_;
+  std::vector<std::uint32_t> candidates_;  // reused between questions
 };
 
 }  // namespace tarnwick::rex

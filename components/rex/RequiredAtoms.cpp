@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <cstring>
 
+#include "Fold.h"
+
 namespace tarnwick::rex {
 namespace {
 
@@ -540,24 +542,6 @@ class Reader {
 };
 
 }  // namespace
-
-void Fold(std::string_view text, std::string& folded) {
-  folded.resize(text.size());
-  std::size_t at = 0;
-  for (; at + 8 <= text.size(); at += 8) {
-    std::uint64_t bytes;
-    std::memcpy(&bytes, text.data() + at, 8);
-    // Per byte: its high bit clear, at least 'A' and at most 'Z'.
-    constexpr std::uint64_t kHigh = 0x8080808080808080ull;
-    const std::uint64_t low7 = bytes & ~kHigh;
-    const std::uint64_t atLeastA = low7 + 0x3F3F3F3F3F3F3F3Full;
-    const std::uint64_t aboveZ = low7 + 0x2525252525252525ull;
-    const std::uint64_t upper = atLeastA & ~aboveZ & ~bytes & kHigh;
-    bytes |= upper >> 2;
-    std::memcpy(folded.data() + at, &bytes, 8);
-  }
-  for (; at < text.size(); ++at) folded[at] = FoldByte(text[at]);
-}
 
 std::optional<std::vector<std::string>> RequiredAtoms(std::string_view pattern) {
   try {

@@ -30,10 +30,4 @@ namespace tarnwick::rex {
 // matches; nullopt when the pattern has no usable atom and must always run.
 std::optional<std::vector<std::string>> RequiredAtoms(std::string_view pattern);
 
-// ASCII letters to lower case, every other byte as it is.
-inline char FoldByte(char byte) { return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte + ('a' - 'A')) : byte; }
-
-// FoldByte over `text` into `folded` (resized to fit), eight bytes at a time.
-void Fold(std::string_view text, std::string& folded);
-
 }  // namespace tarnwick::rex

@@ -29,10 +29,15 @@ RexObject::RexObject(Log& log)
           {"FirstMatch", 2, 4,
            [this](kit::Arguments& a) -> Variant {
              std::optional<std::chrono::microseconds> time;
-             if (a.size() > 3 && !std::holds_alternative<std::monostate>(a.Get(3))) {
+             if (a.Given(3)) {
                time = std::chrono::microseconds(std::max(a.Integer(3), 0));
              }
-             return FirstMatch(a.TextView(0), a.TextView(1), a.TextView(2), time);
+             const SetAnswer answer = FirstMatch(a.TextView(0), a.TextView(1), a.TextView(2), time);
+             if (time && answer.spent.count() > 0) {
+               const auto left = std::max(*time - answer.spent, std::chrono::microseconds(0));
+               a.Set(3, static_cast<std::int32_t>(left.count()));
+             }
+             return answer.index;
            }},
           {"SetInfo", 1, 1, [this](kit::Arguments& a) -> Variant { return SetInfo(a.TextView(0)); }},
       }),
@@ -134,10 +139,10 @@ bool RexObject::CompileSet(std::string_view name, const std::vector<std::string>
   return true;
 }
 
-std::int32_t RexObject::FirstMatch(std::string_view name, std::string_view subject, std::string_view tag,
-                                   std::optional<std::chrono::microseconds> time) {
+SetAnswer RexObject::FirstMatch(std::string_view name, std::string_view subject, std::string_view tag,
+                                std::optional<std::chrono::microseconds> time) {
   const auto found = sets_.find(name);
-  if (found == sets_.end() || found->second.tag != tag) return kSetUnknown;
+  if (found == sets_.end() || found->second.tag != tag) return {kSetUnknown};
   return found->second.set.FirstMatch(subject, time, matcher_, log_);
 }
 

@@ -22,7 +22,10 @@
 //       first pattern of set `name` that matches the subject, kSetNoMatch
 //       (-1), kSetOutOfTime (-2) when the time given ran out first (no
 //       limit without it), or kSetUnknown (-3) when the object holds no set
-//       of that name and tag (support/PatternSetAnswer.h)
+//       of that name and tag (support/PatternSetAnswer.h). Where patterns
+//       ran, the microseconds come back as what is left of them; where the
+//       scan alone answered, unchanged, so the caller need not time a
+//       question itself
 //   SetInfo(name)                           the set's patterns, those without
 //       a usable atom, and its bytes in memory, as decimal texts; empty when
 //       there is no such set
@@ -66,8 +69,8 @@ class RexObject final : public kit::Dispatcher {
   bool Prepare(std::string_view pattern, std::string_view flags);
   bool CompileSet(std::string_view name, const std::vector<std::string>& patterns, std::string_view flags,
                   std::string_view tag);
-  std::int32_t FirstMatch(std::string_view name, std::string_view subject, std::string_view tag,
-                          std::optional<std::chrono::microseconds> time);
+  SetAnswer FirstMatch(std::string_view name, std::string_view subject, std::string_view tag,
+                       std::optional<std::chrono::microseconds> time);
   Variant SetInfo(std::string_view name) const;
 
  private:

@@ -34,6 +34,9 @@ class PatternBudget {
     return result;
   }
 
+  // Takes time that a call measured itself.
+  void Charge(std::chrono::microseconds spent) { left_ -= spent; }
+
   // Writes the event-log line, the first time only: `routine` is the
   // routine whose patterns were cut short, as "(URL_Blocked_Locally)".
   void RanOut(std::string_view routine) {

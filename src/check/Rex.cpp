@@ -53,11 +53,13 @@ bool Rex::CompileSet(std::string_view name, const std::vector<std::string>& patt
 }
 
 std::optional<std::int32_t> Rex::FirstMatch(std::string_view name, std::string_view subject, std::string_view tag,
-                                            std::chrono::microseconds time) {
+                                            std::chrono::microseconds& time) {
   const auto micros = static_cast<std::int32_t>(std::clamp<std::int64_t>(time.count(), 0, INT32_MAX));
-  const auto args = ReusedArguments({name, subject, tag, std::string_view()});
-  args[3] = micros;
+  const auto args = ReusedArguments({name, subject, tag}, micros);
   const auto answer = Call("FirstMatch", args);
+  if (const auto* left = std::get_if<std::int32_t>(&args[3]); left != nullptr && *left < micros) {
+    time -= std::chrono::microseconds(micros - *left);
+  }
   if (!answer || !std::holds_alternative<std::int32_t>(*answer)) return std::nullopt;
   return std::get<std::int32_t>(*answer);
 }

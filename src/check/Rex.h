@@ -36,10 +36,11 @@ class Rex {
   bool CompileSet(std::string_view name, const std::vector<std::string>& patterns, std::string_view flags,
                   std::string_view tag);
   // The index of the first pattern of the set that matches, or one of the
-  // answers of support/PatternSetAnswer.h; `time` bounds the patterns' run.
-  // nullopt when the call failed (a component without pattern sets).
+  // answers of support/PatternSetAnswer.h; `time` bounds the patterns' run
+  // and comes back as what is left of it. nullopt when the call failed (a
+  // component without pattern sets).
   std::optional<std::int32_t> FirstMatch(std::string_view name, std::string_view subject, std::string_view tag,
-                                         std::chrono::microseconds time);
+                                         std::chrono::microseconds& time);
   // The set's patterns, those without a usable atom and its bytes.
   std::optional<std::vector<std::string>> SetInfo(std::string_view name);
 

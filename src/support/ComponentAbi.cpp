@@ -58,11 +58,18 @@ Variant VariantFromAbi(const TarnwickValue& value) {
 }
 
 void AssignFromAbi(Variant& target, const TarnwickValue& value) {
-  if (auto* text = std::get_if<std::string>(&target); text != nullptr && value.kind == kTarnwickString) {
-    text->assign(value.bytes.data, value.bytes.size);
-    return;
+  switch (value.kind) {
+    case kTarnwickBool: target.emplace<bool>(value.number != 0); return;
+    case kTarnwickInt32: target.emplace<std::int32_t>(value.number); return;
+    case kTarnwickString:
+      if (auto* text = std::get_if<std::string>(&target)) {
+        text->assign(value.bytes.data, value.bytes.size);
+      } else {
+        target.emplace<std::string>(value.bytes.data, value.bytes.size);
+      }
+      return;
+    default: target = VariantFromAbi(value);
   }
-  target = VariantFromAbi(value);
 }
 
 }  // namespace tarnwick

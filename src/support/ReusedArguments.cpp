@@ -5,19 +5,34 @@
 
 namespace tarnwick {
 
-std::span<Variant> ReusedArguments(std::initializer_list<std::string_view> texts) {
-  thread_local std::array<Variant, 4> args;
-  if (texts.size() > args.size()) throw std::logic_error("ReusedArguments holds at most four texts");
+namespace {
+
+thread_local std::array<Variant, 5> args;
+
+std::size_t Place(std::initializer_list<std::string_view> texts) {
+  if (texts.size() > 4) throw std::logic_error("ReusedArguments holds at most four texts");
   std::size_t next = 0;
   for (const std::string_view text : texts) {
     if (auto* held = std::get_if<std::string>(&args[next])) {
       held->assign(text);
     } else {
-      args[next] = std::string(text);
+      args[next].emplace<std::string>(text);
     }
     ++next;
   }
-  return std::span(args).first(next);
+  return next;
+}
+
+}  // namespace
+
+std::span<Variant> ReusedArguments(std::initializer_list<std::string_view> texts) {
+  return std::span(args).first(Place(texts));
+}
+
+std::span<Variant> ReusedArguments(std::initializer_list<std::string_view> texts, std::int32_t number) {
+  const std::size_t count = Place(texts);
+  args[count].emplace<std::int32_t>(number);
+  return std::span(args).first(count + 1);
 }
 
 }  // namespace tarnwick

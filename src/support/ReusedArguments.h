@@ -5,6 +5,7 @@
 // component calls back).
 #pragma once
 
+#include <cstdint>
 #include <initializer_list>
 #include <span>
 #include <string_view>
@@ -13,7 +14,9 @@
 
 namespace tarnwick {
 
-// At most four texts; the span holds them in order.
+// At most four texts, and a number after them where given; the span holds
+// them in order.
 std::span<Variant> ReusedArguments(std::initializer_list<std::string_view> texts);
+std::span<Variant> ReusedArguments(std::initializer_list<std::string_view> texts, std::int32_t number);
 
 }  // namespace tarnwick

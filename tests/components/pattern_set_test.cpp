@@ -71,17 +71,20 @@ TEST(RequiredAtomsTest, ClassesEndWhereTheyEnd) {
 }
 
 TEST(AtomScannerTest, FoldingEightBytesAtATimeFoldsEachByteAlone) {
-  std::string every;
-  for (int byte = 0; byte < 256; ++byte) every += static_cast<char>(byte);
-  for (std::size_t start = 0; start < 9; ++start) {
-    std::string folded;
-    rex::Fold(std::string_view(every).substr(start), folded);
-    for (std::size_t i = 0; i < folded.size(); ++i) ASSERT_EQ(folded[i], rex::FoldByte(every[start + i])) << i;
+  for (int first = 0; first < 256; first += 8) {
+    std::uint64_t word = 0;
+    for (int i = 0; i < 8; ++i) word |= std::uint64_t(first + i) << (8 * i);
+    const std::uint64_t folded = rex::FoldWord(word);
+    for (int i = 0; i < 8; ++i) {
+      ASSERT_EQ(static_cast<char>(folded >> (8 * i)), rex::FoldByte(static_cast<char>(first + i))) << first + i;
+    }
   }
 }
 
-// Each occurrence of each atom in the subject, by its number.
-std::multiset<std::uint32_t> NaiveSearch(const std::vector<std::string>& atoms, const std::string& subject) {
+// Each occurrence of each atom in the subject, its letters folded to lower
+// case, by the atom's number.
+std::multiset<std::uint32_t> NaiveSearch(const std::vector<std::string>& atoms, std::string subject) {
+  for (char& c : subject) c = rex::FoldByte(c);
   std::multiset<std::uint32_t> occurrences;
   for (std::uint32_t atom = 0; atom < atoms.size(); ++atom) {
     for (auto at = subject.find(atoms[atom]); at != std::string::npos; at = subject.find(atoms[atom], at + 1)) {
@@ -89,6 +92,15 @@ std::multiset<std::uint32_t> NaiveSearch(const std::vector<std::string>& atoms, 
     }
   }
   return occurrences;
+}
+
+// Some of the subject's letters in upper case, as URLs may have them: the
+// atoms are found all the same.
+std::string Shout(std::string subject, std::mt19937& random) {
+  for (char& c : subject) {
+    if (c >= 'a' && c <= 'z' && random() % 3 == 0) c = static_cast<char>(c - 'a' + 'A');
+  }
+  return subject;
 }
 
 std::multiset<std::uint32_t> Found(const rex::AtomScanner& scanner, const std::string& subject) {
@@ -111,7 +123,7 @@ TEST(AtomScannerTest, FindsEveryOccurrenceANaiveSearchFinds) {
     for (int i = 0; i < 60; ++i) atoms.push_back(text(1 + random() % 24));
     const rex::AtomScanner scanner(atoms);
     for (int probe = 0; probe < 20; ++probe) {
-      const std::string subject = text(random() % 120);
+      const std::string subject = Shout(text(random() % 120), random);
       ASSERT_EQ(Found(scanner, subject), NaiveSearch(atoms, subject)) << subject;
     }
   }
@@ -134,6 +146,7 @@ TEST(AtomScannerTest, LargeSetsFindEveryOccurrenceToo) {
   for (int probe = 0; probe < 60; ++probe) {
     std::string subject = text(random() % 9);
     while (subject.size() < 160) subject += random() % 3 ? atoms[random() % atoms.size()] : text(random() % 5);
+    subject = Shout(subject, random);
     ASSERT_EQ(Found(scanner, subject), NaiveSearch(atoms, subject)) << subject;
   }
 }
@@ -147,6 +160,11 @@ class PatternSetTest : public ComponentTest {
   std::unique_ptr<ComponentObject> object = CreateDebugging();
   Rex rex{*object};
   PatternBudget unlimited{process.log, 600000};
+
+  std::optional<std::int32_t> Ask(std::string_view name, std::string_view subject, std::string_view tag,
+                                  std::chrono::microseconds time) {
+    return rex.FirstMatch(name, subject, tag, time);
+  }
 };
 
 // Patterns and URLs made from the same pieces, so that many URLs match some
@@ -225,22 +243,22 @@ TEST_F(PatternSetTest, ASetAnswersWhatThePatternsOneByOneAnswer) {
 
 TEST_F(PatternSetTest, SetsAreKeptByNameAndTag) {
   EXPECT_TRUE(rex.CompileSet("local", {"", "(abc", "b[a]nk", "x*"}, "i", "v1"));
-  EXPECT_EQ(rex.FirstMatch("local", "http://BANK.example/", "v1", std::chrono::seconds(1)), 2);
-  EXPECT_EQ(rex.FirstMatch("local", "http://BANK.example/", "v2", std::chrono::seconds(1)), kSetUnknown);
-  EXPECT_EQ(rex.FirstMatch("other", "http://BANK.example/", "v1", std::chrono::seconds(1)), kSetUnknown);
+  EXPECT_EQ(Ask("local", "http://BANK.example/", "v1", std::chrono::seconds(1)), 2);
+  EXPECT_EQ(Ask("local", "http://BANK.example/", "v2", std::chrono::seconds(1)), kSetUnknown);
+  EXPECT_EQ(Ask("other", "http://BANK.example/", "v1", std::chrono::seconds(1)), kSetUnknown);
   EXPECT_EQ(rex.SetInfo("local"), (std::vector<std::string>{"4", "2", rex.SetInfo("local")->at(2)}));
   EXPECT_EQ(rex.SetInfo("other"), std::nullopt);
 
   // A broken line says so each time it is reached, as Test does.
   const auto before = ComponentLog().size();
-  EXPECT_EQ(rex.FirstMatch("local", "nothing here", "v1", std::chrono::seconds(1)), 3);
+  EXPECT_EQ(Ask("local", "nothing here", "v1", std::chrono::seconds(1)), 3);
   const auto log = ComponentLog();
   ASSERT_EQ(log.size(), before + 1);
   EXPECT_EQ(log.back(), "(debug) (Rex) Pattern does not compile (missing closing parenthesis at offset 4): (abc");
 
   EXPECT_TRUE(rex.CompileSet("local", {"nothing"}, "", "v2"));
-  EXPECT_EQ(rex.FirstMatch("local", "nothing here", "v2", std::chrono::seconds(1)), 0);
-  EXPECT_EQ(rex.FirstMatch("local", "nothing here", "v1", std::chrono::seconds(1)), kSetUnknown);
+  EXPECT_EQ(Ask("local", "nothing here", "v2", std::chrono::seconds(1)), 0);
+  EXPECT_EQ(Ask("local", "nothing here", "v1", std::chrono::seconds(1)), kSetUnknown);
 }
 
 TEST_F(PatternSetTest, TheTimeGivenBoundsTheRunawayPatterns) {
@@ -250,11 +268,27 @@ TEST_F(PatternSetTest, TheTimeGivenBoundsTheRunawayPatterns) {
   patterns.push_back("x");
   const std::string subject = "http://x.example/?q=" + std::string(30, 'x');
   EXPECT_TRUE(rex.CompileSet("runaway", patterns, "", ""));
-  EXPECT_EQ(rex.FirstMatch("runaway", subject, "", std::chrono::milliseconds(20)), kSetOutOfTime);
-  EXPECT_EQ(rex.FirstMatch("runaway", subject, "", std::chrono::microseconds(0)), kSetOutOfTime);
+  std::chrono::microseconds time = std::chrono::milliseconds(20);
+  EXPECT_EQ(rex.FirstMatch("runaway", subject, "", time), kSetOutOfTime);
+  EXPECT_EQ(time.count(), 0);  // it comes back spent
+  EXPECT_EQ(Ask("runaway", subject, "", std::chrono::microseconds(0)), kSetOutOfTime);
   // Where the scan shows no pattern can match, the answer is certain even
-  // without time.
-  EXPECT_EQ(rex.FirstMatch("runaway", "http://a.test/", "", std::chrono::microseconds(0)), kSetNoMatch);
+  // without time, and the time comes back untouched.
+  time = std::chrono::microseconds(0);
+  EXPECT_EQ(rex.FirstMatch("runaway", "http://a.test/", "", time), kSetNoMatch);
+  time = std::chrono::milliseconds(20);
+  EXPECT_EQ(rex.FirstMatch("runaway", "http://a.test/", "", time), kSetNoMatch);
+  EXPECT_EQ(time, std::chrono::milliseconds(20));
+
+  // A list of them draws on a check's time as the patterns run: what one
+  // question spent, the next does not get.
+  PatternList list("runaway", "");
+  list.Set(patterns);
+  list.Prepare(rex);
+  PatternBudget budget(process.log, 20);
+  EXPECT_EQ(list.FirstMatch(rex, subject, budget), kSetOutOfTime);
+  EXPECT_TRUE(budget.Exhausted());
+  EXPECT_EQ(list.FirstMatch(rex, "http://x.example/?q=x", budget), kSetOutOfTime);
 }
 
 // Tarnwick.Rex as a release before pattern sets answers: the list is then
