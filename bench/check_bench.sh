@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# Per-URL time of the check engine: the local path with 1,000 and 10,000
-# generated local patterns, and the full path against the reference server
-# started here on a free loopback port. Generated data stays in a scratch
-# folder.
+# Per-URL time of the check engine: the local list alone and the local path
+# with the generator's local lists, and the full path against the reference
+# server started here on a free loopback port. Generated data stays in a
+# scratch folder.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 source scripts/reference-server.sh
