@@ -6,8 +6,8 @@
 // them in one scanner; nothing is compiled yet. A question scans the
 // subject once for atoms, folded to lower case as it is read, and runs, in
 // list order, only the patterns whose atoms occur and those without a
-// usable atom, each compiled
-// (to machine code where PCRE2 can) the first time it runs. The answer is
+// usable atom, each compiled (to machine code where PCRE2 can) the first
+// time it runs. The answer is
 // the one the patterns tried one by one in order would give: empty patterns
 // are skipped, one that does not compile or runs into a limit counts as no
 // match (with the debug-log line a single call writes), and a pattern the
