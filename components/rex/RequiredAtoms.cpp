@@ -15,6 +15,8 @@ namespace {
 // beyond that it becomes a disjunction of atoms.
 constexpr std::size_t kMaxExactStrings = 256;
 constexpr std::size_t kMaxExactLength = 64;
+// An optional run of characters is read past when it has at most this many.
+constexpr std::size_t kMaxSkippable = 8;
 // A disjunction of more atoms than this says too little to be worth keeping.
 constexpr std::size_t kMaxAtoms = 256;
 // Groups nested deeper than PCRE2's own default limit do not compile there.
@@ -27,10 +29,15 @@ using Strings = std::vector<std::string>;
 struct GiveUp {};
 
 // What a part of a pattern demands of the subject: exactly one of a few
-// strings, or one atom of a disjunction, or nothing.
+// strings, or one atom of a disjunction, or nothing. A part that matches
+// either nothing or a run of a few characters, such as "\s*", demands
+// nothing by itself, but a sequence reads on past it as if it were empty
+// and adds the characters to its own demand: where the part matched
+// something, one of them occurs.
 struct Demand {
   std::optional<Strings> exact;
   std::optional<Strings> atoms;  // when not exact; nullopt demands nothing
+  Strings skippable = {};        // the characters of such a part
 };
 
 Demand Exact(Strings strings) { return {std::move(strings), std::nullopt}; }
@@ -119,6 +126,10 @@ Demand Alternative(Demand first, Demand second) {
 Demand Repeated(Demand part, int least, int most) {
   if (least == 0) {
     if (most == 1 && part.exact) return Alternative(std::move(part), Empty());
+    const bool characters =
+        part.exact && part.exact->size() <= kMaxSkippable &&
+        std::all_of(part.exact->begin(), part.exact->end(), [](const std::string& text) { return text.size() == 1; });
+    if (characters) return {std::nullopt, std::nullopt, std::move(*part.exact)};
     return Nothing();
   }
   if (least == 1 && most == 1) return part;
@@ -151,47 +162,83 @@ class Reader {
     return demand;
   }
 
+  // A run of exact text in a sequence, and the characters of the optional
+  // runs it was read past.
+  struct TextRun {
+    Strings texts{std::string()};
+    Strings skipped;
+
+    bool Started() const { return texts.size() != 1 || !texts[0].empty(); }
+    // One of its texts occurs, or one of the skipped characters; the run
+    // is spent.
+    std::optional<Strings> TakeAtoms() {
+      texts.insert(texts.end(), skipped.begin(), skipped.end());
+      return Minimal(std::move(texts));
+    }
+  };
+
   // A sequence keeps its exact text as long as it can (the cross product of
   // the exact parts in a row) and the most selective demand of the runs and
-  // parts before; it is exact as a whole when every part was.
+  // parts before; it is exact as a whole when every part was. Past an
+  // optional run of a few characters, two runs go on: one from after it,
+  // and one that reads on past it as if it were empty and adds its
+  // characters to what it demands.
   Demand Branch() {
-    Strings run{std::string()};
+    TextRun plain;
+    std::optional<TextRun> joined;  // once an optional run was read past
     bool exact = true;
     std::optional<Strings> best;
-    const auto endRun = [&](Strings next) {
-      best = Better(std::move(best), Minimal(std::move(run)));
-      run = std::move(next);
+    const auto keep = [&](TextRun& run, Strings next) {
+      best = Better(std::move(best), run.TakeAtoms());
+      run = TextRun{std::move(next), {}};
       exact = false;
+    };
+    const auto endRuns = [&](Strings next) {
+      if (joined) keep(*joined, {});
+      joined.reset();
+      keep(plain, std::move(next));
+    };
+    const auto append = [&](TextRun& run, const Strings& parts) {
+      if (run.texts.size() * parts.size() > kMaxExactStrings) return keep(run, parts);
+      if (run.texts.size() == 1 && parts.size() == 1) {
+        run.texts[0] += parts[0];  // the common case: text grows in place
+      } else {
+        Strings texts;
+        for (const auto& a : run.texts) {
+          for (const auto& b : parts) texts.push_back(a + b);
+        }
+        run.texts = std::move(texts);
+      }
+      const auto tooLong = [](const std::string& text) { return text.size() > kMaxExactLength; };
+      if (std::any_of(run.texts.begin(), run.texts.end(), tooLong)) keep(run, {std::string()});
     };
     for (;;) {
       SkipQuoteMarks();
       if (AtEnd() || (!quoting_ && (Peek() == '|' || Peek() == ')'))) break;
-      if (const char plain = run.size() == 1 ? PlainCharacter() : '\0'; plain != '\0') {
-        run[0] += FoldByte(plain);  // the common case, without building a demand
-        if (run[0].size() > kMaxExactLength) endRun({std::string()});
+      if (const char c = !joined && plain.texts.size() == 1 ? PlainCharacter() : '\0'; c != '\0') {
+        plain.texts[0] += FoldByte(c);  // the common case, without building a demand
+        if (plain.texts[0].size() > kMaxExactLength) endRuns({std::string()});
         continue;
       }
       Demand item = Item();
-      if (!item.exact) {
-        endRun({std::string()});
-        best = Better(std::move(best), std::move(item.atoms));
-      } else if (run.size() * item.exact->size() > kMaxExactStrings) {
-        endRun(std::move(*item.exact));
-      } else if (run.size() == 1 && item.exact->size() == 1) {
-        run[0] += (*item.exact)[0];  // the common case: text grows in place
-      } else {
-        Strings joined;
-        for (const auto& a : run) {
-          for (const auto& b : *item.exact) joined.push_back(a + b);
+      if (!item.skippable.empty()) {
+        exact = false;
+        if (!joined && plain.Started()) joined = plain;
+        if (joined) {
+          joined->skipped.insert(joined->skipped.end(), item.skippable.begin(), item.skippable.end());
+          keep(plain, {std::string()});
         }
-        run = std::move(joined);
-      }
-      if (std::any_of(run.begin(), run.end(), [](const std::string& text) { return text.size() > kMaxExactLength; })) {
-        endRun({std::string()});
+      } else if (!item.exact) {
+        endRuns({std::string()});
+        best = Better(std::move(best), std::move(item.atoms));
+      } else {
+        append(plain, *item.exact);
+        if (joined) append(*joined, *item.exact);
       }
     }
-    if (exact) return Exact(std::move(run));
-    return {std::nullopt, Better(std::move(best), Minimal(std::move(run)))};
+    if (exact) return Exact(std::move(plain.texts));
+    endRuns({});
+    return {std::nullopt, std::move(best)};
   }
 
   // The next character when it is plain literal text, or an escaped
@@ -374,11 +421,13 @@ class Reader {
       case 'Z':
       case 'G':
       case 'K': return Empty();
+      // Without UTF or UCP, which take verbs the reader gives up on, these
+      // are the white space of "\s".
+      case 's': return Exact({" ", "\t", "\n", "\v", "\f", "\r"});
       case 'd':
       case 'D':
       case 'w':
       case 'W':
-      case 's':
       case 'S':
       case 'h':
       case 'H':

@@ -40,6 +40,11 @@ TEST(RequiredAtomsTest, LiteralTextThePatternCannotMatchWithout) {
       {"(?<=/)login(?=\\.php)", Atoms{{"login"}}},
       {"(?i:Secure)-(\\w+)\\1", Atoms{{"secure-"}}},
       {"x{a}", Atoms{{"x{a}"}}},
+      // White space that may be there or not is read past, as long as any
+      // of its characters counts too.
+      {R"(\bj\s*a\s*v\s*a\s*(?::|&colon;))", Atoms{{"\t", "\n", "\v", "\f", "\r", " ", "java:", "java&colon;"}}},
+      {R"(a\sb)", Atoms{{"a\tb", "a\nb", "a\vb", "a\fb", "a\rb", "a b"}}},
+      {R"(<\s*/?\s*script)", Atoms{{"script"}}},
       // Nothing demanded: an empty branch, optional text, classes.
       {"abc|", std::nullopt},
       {"(?:abc)?", std::nullopt},
@@ -190,7 +195,8 @@ Generated Generate(unsigned seed) {
       "\\.",      ".",         "[^/]*", "(?:www\\.)?", "(a|b)",          "https?://", "^",       "$",
       "\\d+",     "(?i)",      "(?-i)", "\\Qa.b\\E",   "x{2,3}",         "(?=ban)",   "(?!ban)", "(?<=/)",
       "\\bwp\\b", "(\\w+)\\1", "[A-Z]", "\\x41",       "\\101",          "(?:ab)*",   "a?",      "b+?",
-      "c*+",      "{",         "{a}",   "\\n",         "(?<n>ab)\\k<n>", "/",         "-",       "(?:log|sign)in"};
+      "c*+",      "{",         "{a}",   "\\n",         "(?<n>ab)\\k<n>", "/",         "-",       "(?:log|sign)in",
+      "\\s*",     "\\s",       "\\s+?", "[ ]{0,3}"};
   std::mt19937 random(seed);
   const auto pick = [&](const auto& table) { return std::string(table[random() % std::size(table)]); };
   Generated out;
@@ -239,6 +245,20 @@ TEST_F(PatternSetTest, ASetAnswersWhatThePatternsOneByOneAnswer) {
     }
   }
   EXPECT_GT(matched, 1000u);  // the comparison is not one of misses only
+}
+
+// The atoms read past optional white space must count every character
+// PCRE2 takes as white space, and only those.
+TEST_F(PatternSetTest, WhiteSpaceIsWhatPcreTakesForIt) {
+  PatternList list("space", "i");
+  list.Set({R"(ka\s*yb)", R"(kc\sd)", R"(ke\s?fg)"});
+  for (int byte = 1; byte < 256; ++byte) {
+    const std::string c(1, static_cast<char>(byte));
+    for (const std::string& url : {"http://x.test/?q=ka" + c + "yb", "http://x.test/?q=ka" + c + c + "yb",
+                                   "http://x.test/?q=kc" + c + "d", "http://x.test/?q=ke" + c + "fg"}) {
+      ASSERT_EQ(list.FirstMatch(rex, url, unlimited), list.FirstMatchOneByOne(rex, url, unlimited)) << byte;
+    }
+  }
 }
 
 TEST_F(PatternSetTest, SetsAreKeptByNameAndTag) {
