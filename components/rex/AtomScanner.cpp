@@ -129,7 +129,14 @@ AtomScanner::AtomScanner(const std::vector<std::string>& atoms) {
 
   // About how many atoms hold each window (counted in hashed buckets, so a
   // collision only makes a window look more shared; small enough to stay in
-  // the cache).
+  // the cache). Where some atoms are filed under four-byte windows, the
+  // four-byte pieces of the others count too: a piece such as "www." that
+  // many atoms hold is as common in URLs, and filing a short atom under it
+  // would have it looked up for one URL in five.
+  bool narrowFiled = false;
+  for (std::size_t kind = 0; kind < perKind.size(); ++kind) {
+    narrowFiled = narrowFiled || (perKind[kind] != 0 && kKinds[plan[kind]].width == kShortest);
+  }
   const unsigned countBits = std::clamp(Log2Ceiling(text_.size() / 4), 12u, 18u);
   std::vector<std::uint16_t> sharing(std::size_t{1} << countBits, 0);
   const auto bucket = [&](std::uint64_t window) -> std::uint16_t& { return sharing[Mix(window) >> (64 - countBits)]; };
@@ -147,6 +154,12 @@ AtomScanner::AtomScanner(const std::vector<std::string>& atoms) {
     windows.erase(std::unique(windows.begin(), windows.end()), windows.end());
     for (const std::uint64_t window : windows) {
       std::uint16_t& count = bucket(window);
+      if (count < UINT16_MAX) ++count;
+    }
+    if (!narrowFiled || kindOf(atom).width == kShortest) continue;
+    const std::string& text = atoms[atom];
+    for (std::size_t at = 0; at + kShortest <= text.size(); ++at) {
+      std::uint16_t& count = bucket(Window<4>(text.data() + at));
       if (count < UINT16_MAX) ++count;
     }
   }
