@@ -114,13 +114,16 @@ std::multiset<std::uint32_t> Found(const rex::AtomScanner& scanner, const std::s
   return found;
 }
 
+// `length` bytes drawn from `alphabet`.
+std::string RandomText(std::mt19937& random, std::string_view alphabet, std::size_t length) {
+  std::string out;
+  for (std::size_t i = 0; i < length; ++i) out += alphabet[random() % alphabet.size()];
+  return out;
+}
+
 TEST(AtomScannerTest, FindsEveryOccurrenceANaiveSearchFinds) {
   std::mt19937 random(7);
-  const auto text = [&](std::size_t length) {
-    std::string out;
-    for (std::size_t i = 0; i < length; ++i) out += "abc./"[random() % 5];
-    return out;
-  };
+  const auto text = [&](std::size_t length) { return RandomText(random, "abc./", length); };
   // Every length from the short atoms found by their first byte to those
   // read through windows eight bytes apart, in subjects whose windows repeat.
   for (int round = 0; round < 60; ++round) {
@@ -134,16 +137,11 @@ TEST(AtomScannerTest, FindsEveryOccurrenceANaiveSearchFinds) {
   }
 }
 
-// Enough long atoms that their windows are read eight positions apart in a
-// walk of their own, beside shorter ones; subjects made of atoms at every
-// alignment.
+// Thousands of long atoms, filed as a real block list's are, beside shorter
+// ones; subjects made of atoms at every alignment.
 TEST(AtomScannerTest, LargeSetsFindEveryOccurrenceToo) {
   std::mt19937 random(11);
-  const auto text = [&](std::size_t length) {
-    std::string out;
-    for (std::size_t i = 0; i < length; ++i) out += "abcd./-"[random() % 7];
-    return out;
-  };
+  const auto text = [&](std::size_t length) { return RandomText(random, "abcd./-", length); };
   std::vector<std::string> atoms;
   for (int i = 0; i < 4000; ++i) atoms.push_back(text(15 + random() % 10));
   for (int i = 0; i < 200; ++i) atoms.push_back(text(1 + random() % 14));
