@@ -10,14 +10,6 @@ namespace {
 constexpr unsigned kShortest = 4;  // atoms shorter than this are found by their first byte
 constexpr unsigned kWide = 8;
 constexpr unsigned kLongestStep = 8;
-// Filter bits per window filed: about one window in a hundred that holds no
-// atom gets past the filter.
-constexpr std::size_t kBloomBitsPerWindow = 16;
-
-// log2 of the least power of two that is at least `count` (and at least 2).
-unsigned Log2Ceiling(std::size_t count) {
-  return static_cast<unsigned>(std::bit_width(std::max<std::size_t>(count, 2) - 1));
-}
 
 // The window width and step an atom of `length` bytes (at least kShortest)
 // is looked for with: eight-byte windows where they allow a step of four or
@@ -57,7 +49,7 @@ std::size_t KindOf(std::pair<unsigned, unsigned> widthAndStep) {
 double PassCost(std::size_t kind, std::size_t atoms) {
   if (atoms == 0) return 0;
   constexpr double kTypicalUrl = 80;
-  const std::size_t filterBytes = atoms * kKinds[kind].step * kBloomBitsPerWindow / 8;
+  const std::size_t filterBytes = FilterBytes(atoms * kKinds[kind].step);
   const double perWindow = filterBytes <= (32u << 10) ? 1 : filterBytes <= (256u << 10) ? 1.5 : 3;
   return kTypicalUrl / kKinds[kind].step * perWindow;
 }
@@ -139,7 +131,9 @@ AtomScanner::AtomScanner(const std::vector<std::string>& atoms) {
   }
   const unsigned countBits = std::clamp(Log2Ceiling(text_.size() / 4), 12u, 18u);
   std::vector<std::uint16_t> sharing(std::size_t{1} << countBits, 0);
-  const auto bucket = [&](std::uint64_t window) -> std::uint16_t& { return sharing[Mix(window) >> (64 - countBits)]; };
+  const auto bucket = [&](std::uint64_t window) -> std::uint16_t& {
+    return sharing[MixKey(window) >> (64 - countBits)];
+  };
   std::vector<std::uint64_t> windows;
   const auto windowsOf = [&](std::uint32_t atom) {
     windows.clear();
@@ -167,11 +161,7 @@ AtomScanner::AtomScanner(const std::vector<std::string>& atoms) {
   // Each atom is filed, for each offset from 0 to step - 1 at which its
   // first sampled window may lie, under the least shared of the windows at
   // that offset plus a multiple of the step.
-  struct Filed {
-    std::uint64_t mixed;  // Mix(window)
-    std::uint64_t window;
-    Anchor anchor;
-  };
+  using Filed = KeyedRuns<Anchor>::Entry;
   std::vector<std::vector<Filed>> filed;
   const auto passFor = [&](unsigned width, unsigned step) -> std::size_t {
     for (std::size_t pass = 0; pass < passes_.size(); ++pass) {
@@ -203,58 +193,18 @@ AtomScanner::AtomScanner(const std::vector<std::string>& atoms) {
       }
       const std::string& text = atoms[atom];
       const auto tail = static_cast<std::uint32_t>(Window<4>(text.data() + text.size() - 4));
-      into.push_back({Mix(windows[best]),
-                      windows[best],
-                      {atom, static_cast<std::uint32_t>(best), static_cast<std::uint32_t>(text.size()), tail}});
+      into.push_back(
+          {windows[best], {atom, static_cast<std::uint32_t>(best), static_cast<std::uint32_t>(text.size()), tail}});
     }
   }
   sharing = {};
 
   for (std::size_t index = 0; index < passes_.size(); ++index) {
-    Pass& pass = passes_[index];
-    auto& entries = filed[index];
-    // In the order of their hash, which is that of their slots and filter
-    // words: the tables fill front to back rather than at random.
-    std::sort(entries.begin(), entries.end(), [](const Filed& a, const Filed& b) {
-      return a.mixed != b.mixed ? a.mixed < b.mixed : a.window < b.window;
-    });
-    std::size_t distinct = 0;
-    for (std::size_t i = 0; i < entries.size(); ++i) distinct += i == 0 || entries[i].window != entries[i - 1].window;
-    // At most three slots in four taken.
-    const unsigned slotBits = Log2Ceiling(distinct + distinct / 3 + 1);
-    pass.slotShift = 64 - slotBits;
-    pass.slots.assign(std::size_t{1} << slotBits, Slot{});
-    const unsigned bloomBits = std::max(6u, Log2Ceiling(distinct * kBloomBitsPerWindow / 64));
-    pass.bloomShift = 64 - bloomBits;
-    pass.bloom.assign(std::size_t{1} << bloomBits, 0);
-
-    pass.anchors.reserve(entries.size());
-    for (std::size_t i = 0; i < entries.size();) {
-      const std::uint64_t window = entries[i].window;
-      Slot slot{window, static_cast<std::uint32_t>(pass.anchors.size()), 0};
-      for (; i < entries.size() && entries[i].window == window; ++i) {
-        pass.anchors.push_back(entries[i].anchor);
-        ++slot.count;
-      }
-      const std::uint64_t mixed = Mix(window);
-      std::size_t at = mixed >> pass.slotShift;
-      while (pass.slots[at].count != 0) at = (at + 1) & (pass.slots.size() - 1);
-      pass.slots[at] = slot;
-      pass.bloom[mixed >> pass.bloomShift] |= (1ull << ((mixed >> 20) & 63)) | (1ull << ((mixed >> 26) & 63));
-    }
-    entries = {};
+    passes_[index].anchors = KeyedRuns<Anchor>(std::move(filed[index]));
   }
   // The cheapest pass first: it has the fewest windows filed.
   std::sort(passes_.begin(), passes_.end(),
             [](const Pass& a, const Pass& b) { return a.anchors.size() < b.anchors.size(); });
-}
-
-const AtomScanner::Slot* AtomScanner::Pass::Find(std::uint64_t window, std::uint64_t mixed) const {
-  for (std::size_t at = mixed >> slotShift;; at = (at + 1) & (slots.size() - 1)) {
-    const Slot& slot = slots[at];
-    if (slot.count == 0) return nullptr;
-    if (slot.window == window) return &slot;
-  }
 }
 
 bool AtomScanner::OccursAt(std::string_view text, std::size_t start, std::uint32_t atom) const {
@@ -279,8 +229,7 @@ std::size_t AtomScanner::MemoryBytes() const {
                       passes_.capacity() * sizeof(Pass) +
                       (shortStarts_.capacity() + shortAtoms_.capacity()) * sizeof(std::uint32_t);
   for (const Pass& pass : passes_) {
-    bytes += pass.anchors.capacity() * sizeof(Anchor) + pass.slots.capacity() * sizeof(Slot) +
-             pass.bloom.capacity() * sizeof(std::uint64_t);
+    bytes += pass.anchors.MemoryBytes();
   }
   return bytes;
 }

@@ -32,6 +32,7 @@
 #include <vector>
 
 #include "Fold.h"
+#include "KeyedRuns.h"
 
 namespace tarnwick::rex {
 
@@ -58,28 +59,12 @@ class AtomScanner {
     // reading the atom itself.
     std::uint32_t tail;
   };
-  struct Slot {
-    std::uint64_t window = 0;
-    std::uint32_t first = 0;  // into anchors
-    std::uint32_t count = 0;  // 0: an empty slot
-  };
   // The atoms read through windows `width` bytes wide at every `step`-th
-  // position of the subject.
+  // position of the subject, filed by window.
   struct Pass {
     unsigned width = 8;
     unsigned step = 1;
-    std::vector<Anchor> anchors;  // grouped by window
-    std::vector<Slot> slots;      // open addressing by window
-    std::vector<std::uint64_t> bloom;
-    unsigned bloomShift = 64;
-    unsigned slotShift = 64;
-
-    // Whether some atom may be filed under the window whose Mix is `mixed`.
-    bool MayHold(std::uint64_t mixed) const {
-      const std::uint64_t word = bloom[mixed >> bloomShift];
-      return ((word >> ((mixed >> 20) & 63)) & (word >> ((mixed >> 26) & 63)) & 1) != 0;
-    }
-    const Slot* Find(std::uint64_t window, std::uint64_t mixed) const;
+    KeyedRuns<Anchor> anchors;
   };
 
   // The bytes at `at`, folded to lower case.
@@ -96,7 +81,6 @@ class AtomScanner {
     }
   }
   static std::uint64_t Window(const char* at, unsigned width) { return width == 8 ? Window<8>(at) : Window<4>(at); }
-  static std::uint64_t Mix(std::uint64_t window) { return (window ^ (window >> 29)) * 0x9E3779B97F4A7C15ull; }
   bool OccursAt(std::string_view text, std::size_t start, std::uint32_t atom) const;
   template <unsigned kWidth, typename Found>
   void ScanPass(const Pass& pass, std::string_view text, Found& found) const;
@@ -115,13 +99,7 @@ void AtomScanner::ScanPass(const Pass& pass, std::string_view text, Found& found
   const char* data = text.data();
   const std::size_t step = pass.step;
   for (std::size_t at = 0; at + kWidth <= text.size(); at += step) {
-    const std::uint64_t window = Window<kWidth>(data + at);
-    const std::uint64_t mixed = Mix(window);
-    if (!pass.MayHold(mixed)) continue;
-    const Slot* slot = pass.Find(window, mixed);
-    if (slot == nullptr) continue;
-    for (std::uint32_t a = slot->first; a < slot->first + slot->count; ++a) {
-      const Anchor& anchor = pass.anchors[a];
+    for (const Anchor& anchor : pass.anchors.Find(Window<kWidth>(data + at))) {
       if (anchor.offset > at || at - anchor.offset + anchor.length > text.size()) continue;
       const std::size_t start = at - anchor.offset;
       if (Window<4>(data + start + anchor.length - 4) == anchor.tail && OccursAt(text, start, anchor.atom)) {
