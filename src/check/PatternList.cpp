@@ -7,17 +7,18 @@
 namespace tarnwick {
 namespace {
 
-// FNV-1a over each pattern's length and bytes: lists differ, tags differ.
-// Fifteen hexadecimal digits, short enough to be copied without an
-// allocation at every question.
-std::string TagOf(const std::vector<std::string>& patterns) {
+// FNV-1a over the flags' and each pattern's length and bytes: where lists
+// or their flags differ, tags differ. Fifteen hexadecimal digits, short
+// enough to be copied without an allocation at every question.
+std::string TagOf(const std::string& flags, const std::vector<std::string>& patterns) {
   std::uint64_t hash = 0xCBF29CE484222325ull;
-  const auto mix = [&hash](unsigned char byte) { hash = (hash ^ byte) * 0x100000001B3ull; };
-  for (const auto& pattern : patterns) {
-    for (std::size_t size = pattern.size(), i = 0; i < sizeof size; ++i)
-      mix(static_cast<unsigned char>(size >> (8 * i)));
-    for (const char c : pattern) mix(static_cast<unsigned char>(c));
-  }
+  const auto mix = [&hash](const std::string& text) {
+    const auto byte = [&hash](unsigned char b) { hash = (hash ^ b) * 0x100000001B3ull; };
+    for (std::size_t size = text.size(), i = 0; i < sizeof size; ++i) byte(static_cast<unsigned char>(size >> (8 * i)));
+    for (const char c : text) byte(static_cast<unsigned char>(c));
+  };
+  mix(flags);
+  for (const auto& pattern : patterns) mix(pattern);
   char text[16];
   std::snprintf(text, sizeof text, "%015llx", static_cast<unsigned long long>(hash >> 4));
   return text;
@@ -27,7 +28,7 @@ std::string TagOf(const std::vector<std::string>& patterns) {
 
 void PatternList::Set(std::vector<std::string> patterns) {
   patterns_ = std::move(patterns);
-  tag_ = TagOf(patterns_);
+  tag_ = TagOf(flags_, patterns_);
   set_ = true;
 }
 
