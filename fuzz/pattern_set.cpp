@@ -1,11 +1,13 @@
 // A pattern set must answer what its patterns tried one by one answer: the
 // atoms read from each pattern (RequiredAtoms) may say less than the
-// pattern demands, never more, and the scanner finds each of them.
+// pattern demands, never more, and the scanner finds each of them; a
+// pattern read as naming a host is found by that host wherever it matches.
 // Input: flag letters, then one pattern a line; the last line is the subject.
 #include "AtomScanner.h"
 #include "Flags.h"
 #include "Fold.h"
 #include "FuzzSupport.h"
+#include "HostIndex.h"
 #include "PatternSet.h"
 #include "RequiredAtoms.h"
 #include "RexObject.h"
@@ -39,6 +41,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::string subject = lines.back();
   std::vector<std::string> patterns(lines.begin() + 1, lines.end() - 1);
 
+  const std::uint32_t options = rex::Flags::Parse(flags).CompileOptions();
   rex::RexObject object(fuzz::FuzzLog());
   std::int32_t byOne = kSetNoMatch;
   std::string folded = subject;
@@ -57,12 +60,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       bool found = false;
       for (const auto& atom : *atoms) found = found || folded.find(atom) != std::string::npos;
       if (!found) fuzz::Broken("a pattern matches only where one of its atoms occurs", patterns[index]);
+      if (auto host = rex::HostOfPattern(patterns[index], options)) {
+        bool reported = false;
+        rex::HostIndex({{std::move(*host), 0}}).Find(subject, [&reported](std::uint32_t) { reported = true; });
+        if (!reported) fuzz::Broken("a pattern that names a host matches only on that host", patterns[index]);
+      }
     }
     if (byOne == kSetNoMatch) byOne = static_cast<std::int32_t>(index);
   }
   CheckScanner(allAtoms, subject, folded);
 
-  rex::PatternSet set(std::move(patterns), rex::Flags::Parse(flags).CompileOptions());
+  rex::PatternSet set(std::move(patterns), options);
   rex::Matcher matcher;
   if (set.FirstMatch(subject, std::nullopt, matcher, fuzz::FuzzLog()).index != byOne) {
     fuzz::Broken("the set answers as the patterns one by one", subject);

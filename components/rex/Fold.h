@@ -8,7 +8,7 @@
 namespace tarnwick::rex {
 
 // ASCII letters to lower case, every other byte as it is.
-inline char FoldByte(char byte) { return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte + ('a' - 'A')) : byte; }
+constexpr char FoldByte(char byte) { return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte + ('a' - 'A')) : byte; }
 
 // FoldByte over each byte of a word.
 inline std::uint64_t FoldWord(std::uint64_t bytes) {

@@ -4,6 +4,7 @@
 #include <unordered_map>
 
 #include "Diagnostics.h"
+#include "HostIndex.h"
 #include "RequiredAtoms.h"
 #include "support/PatternSetAnswer.h"
 
@@ -20,6 +21,7 @@ PatternSet::PatternSet(std::vector<std::string> patterns, std::uint32_t options)
   std::unordered_map<std::string, std::uint32_t> numbers;
   std::vector<std::string> atoms;
   std::vector<std::pair<std::uint32_t, std::uint32_t>> demands;  // (atom, pattern)
+  std::vector<std::pair<std::string, std::uint32_t>> hosts;      // (host, pattern)
   numbers.reserve(patterns_.size());
   atoms.reserve(patterns_.size());
   demands.reserve(patterns_.size());
@@ -28,6 +30,11 @@ PatternSet::PatternSet(std::vector<std::string> patterns, std::uint32_t options)
     auto required = RequiredAtoms(patterns_[index]);
     if (!required) {
       always_.push_back(index);
+      continue;
+    }
+    // Read whole by the atom reader, so its shape can be trusted.
+    if (auto host = HostOfPattern(patterns_[index], options_)) {
+      hosts.emplace_back(std::move(*host), index);
       continue;
     }
     for (auto& atom : *required) {
@@ -46,6 +53,7 @@ PatternSet::PatternSet(std::vector<std::string> patterns, std::uint32_t options)
   }
   for (std::size_t atom = 0; atom < atoms.size(); ++atom) atomStarts_[atom + 1] += atomStarts_[atom];
   scanner_ = std::make_unique<AtomScanner>(atoms);
+  hosts_ = HostIndex(hosts);
 }
 
 const CompiledPattern* PatternSet::Compiled(std::uint32_t index, Log& log) {
@@ -74,6 +82,7 @@ SetAnswer PatternSet::FirstMatch(std::string_view subject, std::optional<std::ch
   scanner_->Scan(subject, [this](std::uint32_t atom) {
     candidates_.insert(candidates_.end(), byAtom_.begin() + atomStarts_[atom], byAtom_.begin() + atomStarts_[atom + 1]);
   });
+  hosts_.Find(subject, [this](std::uint32_t pattern) { candidates_.push_back(pattern); });
   if (!always_.empty()) candidates_.insert(candidates_.end(), always_.begin(), always_.end());
   if (candidates_.size() > 1) {
     std::sort(candidates_.begin(), candidates_.end());
@@ -101,7 +110,7 @@ SetAnswer PatternSet::FirstMatch(std::string_view subject, std::optional<std::ch
 }
 
 std::size_t PatternSet::MemoryBytes() const {
-  std::size_t bytes = sizeof *this + scanner_->MemoryBytes() + compiledBytes_ +
+  std::size_t bytes = sizeof *this + scanner_->MemoryBytes() + hosts_.MemoryBytes() + compiledBytes_ +
                       (always_.capacity() + atomStarts_.capacity() + byAtom_.capacity()) * sizeof(std::uint32_t) +
                       compiled_.capacity() * sizeof(compiled_[0]) + patterns_.capacity() * sizeof(std::string);
   for (const auto& pattern : patterns_) {

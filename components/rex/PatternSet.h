@@ -3,11 +3,12 @@
 // a time answer, fast enough for lists of a hundred thousand lines.
 //
 // Building reads the atoms each pattern demands (RequiredAtoms.h) and files
-// them in one scanner; nothing is compiled yet. A question scans the
-// subject once for atoms, folded to lower case as it is read, and runs, in
-// list order, only the patterns whose atoms occur and those without a
-// usable atom, each compiled (to machine code where PCRE2 can) the first
-// time it runs. The answer is
+// them in one scanner, except for patterns that name the host a URL must be
+// on, which are filed by that host (HostIndex.h); nothing is compiled yet.
+// A question scans the subject once for atoms, folded to lower case as it
+// is read, looks its host up, and runs, in list order, only the patterns
+// whose atoms or host occur and those without a usable atom, each compiled
+// (to machine code where PCRE2 can) the first time it runs. The answer is
 // the one the patterns tried one by one in order would give: empty patterns
 // are skipped, one that does not compile or runs into a limit counts as no
 // match (with the debug-log line a single call writes), and a pattern the
@@ -30,6 +31,7 @@
 
 #include "AtomScanner.h"
 #include "CompiledPattern.h"
+#include "HostIndex.h"
 #include "Matcher.h"
 #include "support/Log.h"
 
@@ -71,6 +73,7 @@ class PatternSet {
   std::vector<std::uint32_t> atomStarts_;
   std::vector<std::uint32_t> byAtom_;
   std::unique_ptr<AtomScanner> scanner_;
+  HostIndex hosts_;  // the patterns that name a host, filed there rather than as atoms
   std::size_t compiledBytes_ = 0;
   std::vector<std::uint32_t> candidates_;  // reused between questions
 };

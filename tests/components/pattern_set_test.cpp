@@ -8,6 +8,8 @@
 #include <thread>
 
 #include "AtomScanner.h"
+#include "HostIndex.h"
+#include "Pcre.h"
 #include "RequiredAtoms.h"
 #include "check/PatternList.h"
 #include "components/ComponentTest.h"
@@ -154,6 +156,67 @@ TEST(AtomScannerTest, LargeSetsFindEveryOccurrenceToo) {
   }
 }
 
+TEST(HostOfPatternTest, ReadsTheHostOfTheShapeBlockListsAreMadeOf) {
+  using Host = std::optional<std::string>;
+  const std::pair<const char*, Host> cases[] = {
+      {R"(^https?://([^/]*\.)?Paypa1\.example(:\d+)?(/|$))", "paypa1.example"},
+      {R"(^https?://([^/]*\.)?stone-garden_2\.com(:\d+)?/wp-admin/login\.php)", "stone-garden_2.com"},
+      {R"(^https://(?:[^/]+\.)*a\-b\.test(?::[0-9]+)?(?:[/?#\\]|$))", "a-b.test"},
+      {R"(^http:\/\/[^/]*\.a\.test[/:])", "a.test"},
+      {R"(^https?://a\.test:8080/)", "a.test"},
+      {R"(^https?://a\.test($|\?))", "a.test"},
+      // Whatever follows the part after the host, bar an alternative.
+      {R"(^https?://a\.test/(?i)x.*\d)", "a.test"},
+      // The part after the host could match a host byte, or nothing.
+      {R"(^https?://([^/]*\.)?a\.test\b)", std::nullopt},
+      {R"(^https?://([^/]*\.)?a\.test(/|$)?)", std::nullopt},
+      {R"(^https?://([^/]*\.)?a\.test[/:]*)", std::nullopt},
+      {R"(^https?://([^/]*\.)?a\.test(:\d+)?)", std::nullopt},
+      {R"(^https?://([^/]*\.)?a\.test[^a]/)", std::nullopt},
+      {R"(^https?://([^/]*\.)?a\.test[/.])", std::nullopt},
+      {R"(^https?://([^/]*\.)?a\.tests?/)", std::nullopt},
+      // The host is not plain text, or not where the URL's host is.
+      {R"(^https?://([^/]*\.)?a.test/)", std::nullopt},
+      {R"(^https?://([^/]*)?a\.test/)", std::nullopt},
+      {R"(^https?://([^/]*\.)??a\.test/)", std::nullopt},
+      {R"(^https?://(/|$))", std::nullopt},
+      {R"(https?://a\.test/)", std::nullopt},
+      {R"(^ftp://a\.test/)", std::nullopt},
+      {R"(^https?://a\.test/|evil)", std::nullopt},
+  };
+  for (const auto& [pattern, host] : cases) EXPECT_EQ(rex::HostOfPattern(pattern, PCRE2_CASELESS), host) << pattern;
+  // Options that change what "^", "#" or a letter means.
+  EXPECT_EQ(rex::HostOfPattern("^https?://a\\.test/", PCRE2_MULTILINE), std::nullopt);
+  EXPECT_EQ(rex::HostOfPattern("^https?://a\\.test/", PCRE2_EXTENDED), std::nullopt);
+  EXPECT_EQ(rex::HostOfPattern("^https?://a\\.test/", PCRE2_CASELESS | PCRE2_UTF), std::nullopt);
+}
+
+TEST(HostIndexTest, ReportsTheHostsAUrlIsOnAndTheDomainsItLiesIn) {
+  const rex::HostIndex index({{"example.com", 0},
+                              {"b.example.com", 1},
+                              {"ample.com", 2},
+                              {"example.co", 3},
+                              {"evil.net", 4},
+                              {"example.com", 5}});
+  const auto found = [&index](std::string_view url) {
+    std::set<std::uint32_t> patterns;
+    index.Find(url, [&patterns](std::uint32_t pattern) { patterns.insert(pattern); });
+    return patterns;
+  };
+  using Set = std::set<std::uint32_t>;
+  EXPECT_EQ(found("https://A.B.Example.COM:8080/x"), (Set{0, 1, 5}));
+  EXPECT_EQ(found("HTTP://example.com"), (Set{0, 5}));
+  EXPECT_EQ(found("http://example.com?x=a.evil.net\n"), (Set{0, 4, 5}));
+  EXPECT_EQ(found("https://example.com.evil.net/"), (Set{4}));
+  // Not at the start of the host or after a dot; after the first "/"; not
+  // a web address.
+  EXPECT_EQ(found("https://xexample.com/"), Set{});
+  EXPECT_EQ(found("https://user@example.com/"), Set{});
+  EXPECT_EQ(found("https://www.google.com/url?q=https%3A%2F%2Fexample.com%2F"), Set{});
+  EXPECT_EQ(found("ftp://example.com/"), Set{});
+  EXPECT_EQ(found("https:/"), Set{});
+}
+
 class PatternSetTest : public ComponentTest {
  protected:
   std::unique_ptr<ComponentObject> CreateDebugging() {
@@ -243,6 +306,48 @@ TEST_F(PatternSetTest, ASetAnswersWhatThePatternsOneByOneAnswer) {
     }
   }
   EXPECT_GT(matched, 1000u);  // the comparison is not one of misses only
+}
+
+// Hosts that share labels and endings, in the shapes block lists are made
+// of, asked with URLs that put them everywhere a host can and cannot be.
+TEST_F(PatternSetTest, PatternsFiledByHostAnswerAsTheyDoOneByOne) {
+  const std::vector<std::string> hosts = {"example.com", "a.example.com",     "xample.com",
+                                          "example.co",  "Login-Example.com", "192.0.2.7"};
+  const std::vector<std::string> shapes = {R"(^https?://([^/]*\.)?HOST(:\d+)?(/|$))",
+                                           R"(^https?://([^/]*\.)?HOST(:\d+)?/wp-admin/)", R"(^https://HOST[/:?#])",
+                                           R"(^http:\/\/(?:[^/]+\.)*HOST($|\?))"};
+  std::vector<std::string> patterns;
+  for (const auto& shape : shapes) {
+    for (const auto& host : hosts) {
+      std::string escaped;
+      for (const char c : host) escaped += c == '.' ? std::string("\\.") : std::string(1, c);
+      patterns.push_back(shape.substr(0, shape.find("HOST")) + escaped + shape.substr(shape.find("HOST") + 4));
+    }
+  }
+  std::vector<std::string> urls;
+  for (const auto& host : hosts) {
+    std::string shouted = host;
+    for (char& c : shouted) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+    for (const std::string& url :
+         {"http://" + host + "/", "HTTPS://" + shouted + ":8080/wp-admin/x", "https://w." + host + "?q=1",
+          "https://x" + host + "/", "https://" + host + ".evil.net/", "https://user@" + host + "/",
+          "https://user:pw@a." + host + "/wp-admin/", "http://" + host + "\n", "http://" + host + "#top",
+          "https://www.google.com/url?q=https://" + host + "/", "https://" + host + "./", "https://" + host + ":/",
+          "http://a." + host + "?next=/wp-admin/", "https://" + host}) {
+      urls.push_back(url);
+    }
+  }
+  std::size_t matched = 0;
+  for (const char* flags : {"i", ""}) {
+    PatternList list("hosts", flags);
+    list.Set(patterns);
+    for (const auto& url : urls) {
+      const std::int32_t byOne = list.FirstMatchOneByOne(rex, url, unlimited);
+      ASSERT_EQ(list.FirstMatch(rex, url, unlimited), byOne) << "flags " << flags << ", " << url;
+      matched += byOne >= 0;
+    }
+  }
+  EXPECT_GT(matched, 60u);
 }
 
 // The atoms read past optional white space must count every character
