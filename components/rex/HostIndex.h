@@ -17,11 +17,11 @@
 // "$", an escaped "?" or "#", a class of such characters, or a group of
 // such alternatives, not made optional; what follows is free but may hold
 // no "|". Every subject such a pattern matches begins with "http://" or
-// "https://" (letters in either case), and before the first "/" after that
-// holds H, folded, as a whole run of host bytes' end, starting where that
-// part starts or after a dot. The index reports every pattern whose host
-// is such a piece of the subject, and may report others: the patterns
-// still run, and decide.
+// "https://" (letters in either case) and, before the next "/", holds H
+// (folded) at the end of a run of host bytes, starting right after the
+// scheme or after a dot. The index reports every pattern whose host is
+// such a piece of the subject, and may report others: the patterns still
+// run, and decide.
 #pragma once
 
 #include <array>
