@@ -129,11 +129,15 @@ int RunMatch(std::vector<std::string> args) {
   std::vector<std::int32_t> answers(urls.size());
   std::vector<Clock::duration> times(urls.size());
   const double questionsCpuStart = ProcessorSeconds();
+  // One clock read per question, each URL's time running from the end of
+  // the one before: a read costs a tenth of a short question.
+  auto last = Clock::now();
   for (std::size_t i = 0; i < urls.size(); ++i) {
     PatternBudget budget(process.log, process.options.PatternTimeLimit);
-    const auto start = Clock::now();
     answers[i] = list.FirstMatch(rex, urls[i], budget);
-    times[i] = Clock::now() - start;
+    const auto now = Clock::now();
+    times[i] = now - last;
+    last = now;
   }
   const double questionsCpu = ProcessorSeconds() - questionsCpuStart;
 
