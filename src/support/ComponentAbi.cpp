@@ -61,13 +61,7 @@ void AssignFromAbi(Variant& target, const TarnwickValue& value) {
   switch (value.kind) {
     case kTarnwickBool: target.emplace<bool>(value.number != 0); return;
     case kTarnwickInt32: target.emplace<std::int32_t>(value.number); return;
-    case kTarnwickString:
-      if (auto* text = std::get_if<std::string>(&target)) {
-        text->assign(value.bytes.data, value.bytes.size);
-      } else {
-        target.emplace<std::string>(value.bytes.data, value.bytes.size);
-      }
-      return;
+    case kTarnwickString: AssignText(target, {value.bytes.data, value.bytes.size}); return;
     default: target = VariantFromAbi(value);
   }
 }

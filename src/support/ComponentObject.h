@@ -18,6 +18,17 @@ namespace tarnwick {
 using Variant =
     std::variant<std::monostate, bool, std::int32_t, std::string, std::vector<std::string>, std::vector<std::uint8_t>>;
 
+// Sets `value` to `text`, reusing the room of the text it already holds:
+// arguments set over and over with texts of similar size then allocate
+// nothing.
+inline void AssignText(Variant& value, std::string_view text) {
+  if (auto* held = std::get_if<std::string>(&value)) {
+    held->assign(text);
+  } else {
+    value.emplace<std::string>(text);
+  }
+}
+
 // Outcome of a call, numbered as Automation numbers them.
 inline constexpr long kInvokeOk = 0;
 inline constexpr long kErrMemberNotFound = 438;  // "Object doesn't support this property or method"

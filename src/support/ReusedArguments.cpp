@@ -12,14 +12,7 @@ thread_local std::array<Variant, 5> args;
 std::size_t Place(std::initializer_list<std::string_view> texts) {
   if (texts.size() > 4) throw std::logic_error("ReusedArguments holds at most four texts");
   std::size_t next = 0;
-  for (const std::string_view text : texts) {
-    if (auto* held = std::get_if<std::string>(&args[next])) {
-      held->assign(text);
-    } else {
-      args[next].emplace<std::string>(text);
-    }
-    ++next;
-  }
+  for (const std::string_view text : texts) AssignText(args[next++], text);
   return next;
 }
 
