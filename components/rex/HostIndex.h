@@ -36,6 +36,7 @@
 
 #include "Fold.h"
 #include "KeyedRuns.h"
+#include "support/Fnv.h"
 
 namespace tarnwick::rex {
 
@@ -55,8 +56,8 @@ class HostIndex {
   template <typename Found>
   void Find(std::string_view subject, Found&& found) const;
 
-  std::size_t size() const { return patterns_.size(); }
-  std::size_t MemoryBytes() const { return sizeof *this + patterns_.MemoryBytes(); }
+  // What it holds beyond its own object.
+  std::size_t MemoryBytes() const { return patterns_.MemoryBytes(); }
 
   // What may appear in a host, folded: a run of these bytes is what a host
   // is looked up in. Zero for every other byte.
@@ -66,9 +67,9 @@ class HostIndex {
   // The hash a host is filed under: of its bytes from the last to the
   // first, so that a subject's pieces that end together are hashed in one
   // walk backwards.
-  static constexpr std::uint64_t kEmptyHash = 0xCBF29CE484222325ull;
+  static constexpr std::uint64_t kEmptyHash = kFnvOffset;
   static std::uint64_t HashBefore(std::uint64_t hash, char folded) {
-    return (hash ^ static_cast<unsigned char>(folded)) * 0x100000001B3ull;
+    return FnvStep(hash, static_cast<unsigned char>(folded));
   }
 
   // The bytes of `text` (at most eight) as a word read from memory holds them.

@@ -2,6 +2,7 @@
 
 #include <cstdio>
 
+#include "support/Fnv.h"
 #include "support/PatternSetAnswer.h"
 
 namespace tarnwick {
@@ -11,11 +12,12 @@ namespace {
 // or their flags differ, tags differ. Fifteen hexadecimal digits, short
 // enough to be copied without an allocation at every question.
 std::string TagOf(const std::string& flags, const std::vector<std::string>& patterns) {
-  std::uint64_t hash = 0xCBF29CE484222325ull;
+  std::uint64_t hash = kFnvOffset;
   const auto mix = [&hash](const std::string& text) {
-    const auto byte = [&hash](unsigned char b) { hash = (hash ^ b) * 0x100000001B3ull; };
-    for (std::size_t size = text.size(), i = 0; i < sizeof size; ++i) byte(static_cast<unsigned char>(size >> (8 * i)));
-    for (const char c : text) byte(static_cast<unsigned char>(c));
+    for (std::size_t size = text.size(), i = 0; i < sizeof size; ++i) {
+      hash = FnvStep(hash, static_cast<unsigned char>(size >> (8 * i)));
+    }
+    for (const char c : text) hash = FnvStep(hash, static_cast<unsigned char>(c));
   };
   mix(flags);
   for (const auto& pattern : patterns) mix(pattern);
